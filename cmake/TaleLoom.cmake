@@ -1,0 +1,38 @@
+# Helpers shared by the subsystem, test, benchmark and fuzz folders.
+
+# taleloom_library(NAME DIR [NATIVE_DEPS...]): a static library of every .cpp
+# in DIR (native/ included), public include root at the repository top.
+function(taleloom_library name)
+  cmake_parse_arguments(ARG "" "" "DEPS" ${ARGN})
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS
+       ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  list(FILTER sources EXCLUDE REGEX "/testing/")
+  add_library(${name} STATIC ${sources})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${ARG_DEPS})
+endfunction()
+
+# taleloom_test_suite(NAME DIR LIBS... [DISPLAY]): one GoogleTest program per
+# test folder. Files under a gtk/ subfolder form a second program that needs a
+# display and runs under xvfb-run.
+function(taleloom_test_suite name)
+  cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(sources)
+    add_executable(${name}_tests ${sources})
+    target_link_libraries(${name}_tests PRIVATE ${ARG_LIBS} taleloom_test_main)
+    gtest_discover_tests(${name}_tests DISCOVERY_MODE PRE_TEST
+      DISCOVERY_TIMEOUT 60
+      PROPERTIES ENVIRONMENT "TALELOOM_AUDIO=null;TALELOOM_TEST_SOURCE_DIR=${PROJECT_SOURCE_DIR}" TIMEOUT 300)
+  endif()
+  file(GLOB gtk_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/gtk/*.cpp)
+  if(gtk_sources)
+    add_executable(${name}_gtk_tests ${gtk_sources})
+    target_link_libraries(${name}_gtk_tests PRIVATE ${ARG_LIBS} taleloom_test_main)
+    # A whole display program runs as one test under its own X server.
+    add_test(NAME ${name}_gtk_tests
+             COMMAND xvfb-run -a -s "-screen 0 1280x1024x24" $<TARGET_FILE:${name}_gtk_tests>)
+    set_tests_properties(${name}_gtk_tests PROPERTIES
+      ENVIRONMENT "TALELOOM_AUDIO=null;TALELOOM_TEST_SOURCE_DIR=${PROJECT_SOURCE_DIR}" TIMEOUT 600)
+  endif()
+endfunction()

@@ -1,0 +1,131 @@
+#include "kernel/KErrorHandler.h"
+
+namespace {
+
+struct KernelError {
+    int32_t code;
+    int32_t severity;
+    const char* text;
+};
+
+// The kernel's messages, loaded in this order at start. The texts are the
+// system's own, spelling included: users and support quote them.
+constexpr KernelError kKernelErrors[] = {
+    { 0, 0, "No Error" },
+    { 1, 3, "Unknown Fatal Error" },
+    { 2, 3, "No Object!" },
+    { 3, 3, "Object Not On Heap!" },
+    { 4, 3, "Object In Use!" },
+    { 5, 3, "Object Not Open!" },
+    { 6, 3, "Parameter Error!" },
+    { 7, 3, "Index Out Of Range!" },
+    { 8, 3, "Size Mismatch!" },
+    { 9, 3, "No Main Window!" },
+    { 10, 3, "Missing Data!" },
+    { 11, 3, "This Methode Should Not Be Called!" },
+    { 12, 3, "Should Not Call Copy Constructor!" },
+    { 13, 3, "Should Not Call Assignment Operator!" },
+    { 14, 3, "Read From File Not Implemented For This Class!" },
+    { 15, 3, "Write To File Not Implemented For This Class!" },
+    { 16, 3, "Negative Reference Counting!" },
+    { 17, 3, "Delete Referenced Object!" },
+    { 18, 3, "Pointer NULL!" },
+    { 19, 3, "Out Of Memory!" },
+    { 20, 3, "Dispose Pointer NULL!" },
+    { 21, 3, "Array In Use" },
+    { 22, 3, "Index Out Of Range" },
+    { 23, 3, "Array Is Direct" },
+    { 24, 3, "Array Is Not Direct" },
+    { 25, 3, "No 'compare' procedure" },
+    { 26, 3, "Bag Cannot Change Grow Size" },
+    { 27, 3, "Class Already Registered" },
+    { 28, 3, "Class Not Registered" },
+    { 29, 3, "Class name collision; change class name!" },
+    { 30, 3, "Create Procedure NULL!" },
+    { 31, 3, "Class ID Mismatch" },
+    { 32, 3, "Unsupported Version Number" },
+    { 33, 3, "File not Found!" },
+    { 34, 3, "File already open!" },
+    { 35, 3, "File not open!" },
+    { 36, 3, "Disk Full!" },
+    { 37, 3, "Could not write file!" },
+    { 38, 3, "Could not read file!" },
+    { 39, 3, "Could not open file!" },
+    { 40, 3, "Error: EOF Reached!" },
+    { 41, 3, "An unknown error occured!" },
+    { 42, 3, "Directory not found!" },
+    { 43, 3, "File Is Open" },
+    { 44, 3, "Duplicate FileName!" },
+    { 45, 3, "File Cannot Change Mode While Open" },
+    { 46, 3, "File Wrong Mode" },
+    { 47, 3, "No Filename" },
+    { 48, 3, "File No Native Object" },
+    { 49, 3, "Unknown File Type" },
+    { 50, 1, "Error Copying File" },
+    { 51, 1, "Wrong Streaming Mode" },
+    { 52, 1, "Sound Resource Not Loaded" },
+    { 53, 1, "Cannot Start Sound" },
+    { 54, 1, "Unsupported Streaming Mode" },
+    { 55, 1, "Sound Not Playing" },
+    { 56, 1, "Sound Not Paused" },
+    { 57, 2, "Unsupported Format!" },
+    { 58, 3, "Unsupported Mode!" },
+    { 59, 3, "Cannot Use Native Object" },
+    { 60, 3, "Invalid Disk Object" },
+    { 61, 3, "Wrong Disk Object Type" },
+    { 62, 3, "File Type Not Found" },
+    { 63, 1, "File Type Already Exists" },
+    { 64, 3, "Sprite No Parent Layer" },
+    { 65, 3, "Sprite No Parent System" },
+    { 66, 3, "Sprite No Target Device" },
+    { 67, 3, "Menu Item Has No Parent Menu" },
+    { 68, 3, "Menu Item Not A SubMenu" },
+    { 69, 3, "Menu Item Has No Sub Menu" },
+    { 70, 3, "Menu Item Is Already Attached" },
+    { 71, 3, "Menu Item Is Not Attached" },
+    { 72, 3, "Menu Item Not Found" },
+    { 73, 3, "No Menu" },
+    { 74, 3, "Menu Out Of Range" },
+    { 75, 3, "Menu Already Attached" },
+    { 76, 3, "Menu Already Installed" },
+    { 77, 3, "Menu Not Installed" },
+    { 78, 3, "No Parent Manu" },
+    { 79, 3, "No Parent Menu Bar" },
+    { 80, 3, "No Parent Menu Item" },
+    { 81, 3, "Menu Has No More Free Item IDs" },
+    { 82, 3, "No Menu Bar" },
+    { 83, 3, "No Menu" },
+    { 84, 3, "No Menu Title" },
+    { 85, 3, "Menu Bar Already Attached" },
+    { 86, 3, "No About Menu" },
+    { 87, 3, "No Help Menu" },
+    { 88, 3, "Menu Manager Has No More Free IDs" },
+    { 89, 3, "ID Not Found" },
+    { 90, 3, "No Native Device" },
+    { 91, 3, "No Window" },
+    { 92, 3, "Duplicate Main Window" },
+    { 93, 3, "Duplicate Window Manager" },
+    { 94, 3, "Application Cannot Run" },
+    { 95, 3, "No Window" },
+    { 96, 3, "No Menu" },
+    { 97, 3, "No Menu Item" },
+    { 98, 3, "No Data" },
+    { 99, 3, "No Disk Object" },
+    { 100, 3, "Wrong Event Class" },
+    { 101, 3, "Timer Has No Target" },
+    { 102, 3, "No Printer" },
+    { 103, 3, "Printer Not Open" },
+    { 104, 3, "Page Not Open" },
+    { 105, 3, "Page Already Open" },
+};
+
+} // namespace
+
+void KErrorHandler::loadKernelErrors()
+{
+    if (isLoaded())
+        return;
+    for (const auto& e : kKernelErrors)
+        addError(0, e.code, e.severity, e.text);
+    setErrorMode(Internal);
+}
