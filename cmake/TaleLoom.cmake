@@ -1,18 +1,25 @@
 # Helpers shared by the subsystem, test, benchmark and fuzz folders.
 
-# taleloom_library(NAME DIR [NATIVE_DEPS...]): a static library of every .cpp
+# taleloom_library(NAME [DEPS libs...]): a static library of every .cpp
 # in DIR (native/ included), public include root at the repository top.
 function(taleloom_library name)
   cmake_parse_arguments(ARG "" "" "DEPS" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS
        ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   list(FILTER sources EXCLUDE REGEX "/testing/")
-  add_library(${name} STATIC ${sources})
-  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
-  target_link_libraries(${name} PUBLIC ${ARG_DEPS})
+  if(sources)
+    add_library(${name} STATIC ${sources})
+    target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR})
+    target_link_libraries(${name} PUBLIC ${ARG_DEPS})
+  else()
+    # A subsystem that has no code yet.
+    add_library(${name} INTERFACE)
+    target_include_directories(${name} INTERFACE ${PROJECT_SOURCE_DIR})
+    target_link_libraries(${name} INTERFACE ${ARG_DEPS})
+  endif()
 endfunction()
 
-# taleloom_test_suite(NAME DIR LIBS... [DISPLAY]): one GoogleTest program per
+# taleloom_test_suite(NAME LIBS libs...): one GoogleTest program per
 # test folder. Files under a gtk/ subfolder form a second program that needs a
 # display and runs under xvfb-run.
 function(taleloom_test_suite name)
