@@ -1,0 +1,29 @@
+#include "app/StylusApplication.h"
+
+#include "app/StylusWindow.h"
+#include "kernel/KClass.h"
+#include "windowing/KWindow.h"
+
+K_DEFINE_CLASS(StylusApplication, KApplication)
+
+StylusApplication::StylusApplication()
+{
+    registerClasses();
+    setName("TaleLoom");
+}
+
+StylusApplication::~StylusApplication() = default;
+
+void StylusApplication::registerClasses()
+{
+    if (KClass::hasClass("StylusApplication"))
+        return;
+    StylusApplication::registerClass();
+    StylusWindow::registerClass();
+}
+
+void StylusApplication::doInit()
+{
+    if (KWindow* window = getMainWindow())
+        window->show(true);
+}

@@ -1,0 +1,117 @@
+#include "graphics/KFont.h"
+
+#include "graphics/KWideSize.h"
+#include "graphics/native/KNativeText.h"
+#include "kernel/KClass.h"
+#include "kernel/KErrorHandler.h"
+
+K_DEFINE_CLASS(KFont, KThing)
+
+void kksGetStandardFont(KStandardFont font, KString& name, double* size)
+{
+    if (!size) {
+        KErrorHandler::raiseError(KError::PointerNull, "kksGetStandardFont(KStandardFont F, KString& Name, double* Size)");
+        return;
+    }
+    // The desktop has no system font object to ask, so the fallbacks for
+    // "fails to answer" stand; fontconfig maps the names to real fonts.
+    if (font == 0) {
+        name = "System";
+        *size = 11.0;
+    } else if (font >= 1 && font <= 3) {
+        name = "Arial";
+        *size = 11.0;
+    } else {
+        name = "helvetica";
+        *size = 12.0;
+    }
+}
+
+KFont::KFont()
+    : KFont(KStandardFont(1))
+{
+}
+
+KFont::KFont(KStandardFont standard)
+{
+    kksGetStandardFont(standard, name, &size);
+}
+
+KFont::KFont(const KString& name, double size, int32_t face)
+    : name(name)
+    , size(size > 0.0 ? size : kDefaultSize)
+    , face(face)
+{
+}
+
+KFont::KFont(const KFont& other)
+    : KThing(other)
+    , name(other.name)
+    , size(other.size)
+    , face(other.face)
+    , styleFlags(other.styleFlags)
+{
+}
+
+KFont& KFont::operator=(const KFont& other)
+{
+    if (this != &other) {
+        name = other.name;
+        size = other.size;
+        face = other.face;
+        styleFlags = other.styleFlags;
+        clearNative();
+    }
+    return *this;
+}
+
+KFont::~KFont() { clearNative(); }
+
+KThing* KFont::deepCopy() const { return new KFont(*this); }
+
+void KFont::setName(const KString& value)
+{
+    name = value;
+    clearNative();
+}
+
+void KFont::setSize(double value)
+{
+    size = value > 0.0 ? value : kDefaultSize;
+    clearNative();
+}
+
+void KFont::setFace(int32_t value)
+{
+    face = value;
+    clearNative();
+}
+
+bool KFont::operator==(const KFont& other) const
+{
+    return name.compare(other.name) == 0 && size == other.size && face == other.face && styleFlags == other.styleFlags;
+}
+
+void KFont::clearNative()
+{
+    kDisposeNativeFont(nativeFont);
+    nativeFont = nullptr;
+}
+
+KNativeFont* KFont::getNativeFont() const
+{
+    if (!nativeFont)
+        nativeFont = kCreateNativeFont(kGraphicsTextToUtf8(name), size, face);
+    return nativeFont;
+}
+
+int32_t KFont::getAscent() const { return kMeasureFont(getNativeFont()).ascent; }
+int32_t KFont::getDescent() const { return kMeasureFont(getNativeFont()).descent; }
+int32_t KFont::getLineHeight() const { return kMeasureFont(getNativeFont()).lineHeight; }
+
+KWideSize KFont::measureString(const KString& text) const
+{
+    int32_t width = 0, height = 0;
+    kMeasureText(getNativeFont(), face, kGraphicsTextToUtf8(text), width, height);
+    return { width, height };
+}

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "graphics/KGraphicDevice.h"
+#include "graphics/KGraphicObject.h"
+#include "graphics/KGraphicsForward.h"
+#include "kernel/KString.h"
+#include "kernel/KThingPtr.h"
+
+#include <vector>
+
+// A bitmap that owns an off-screen device: anything that can be drawn on a
+// device can be drawn on an image. A new image is black. An image without a
+// bitmap (size 0, or a failed load) draws nothing.
+class KImage : public KGraphicObject {
+    K_DECLARE_CLASS(KImage)
+public:
+    // The owner value of an image's own device.
+    static constexpr int32_t kDeviceOwner = 2;
+
+    KImage();
+    explicit KImage(const KGraphicSize& size);
+    KImage(const KImage&) = delete;
+    KImage& operator=(const KImage&) = delete;
+    ~KImage() override;
+
+    // A new image with the same pixels.
+    KThing* deepCopy() const override;
+
+    KGraphicRectangle getBounds() const override;
+    void drawRegion(KGraphicDevice& target, const KGraphicRectangle& source, const KGraphicRectangle& destination) override;
+    void drawIn(KGraphicDevice& target, const KGraphicRectangle& destination) override;
+    void drawAt(KGraphicDevice& target, const KGraphicPoint& p) override;
+
+    // The second entry creates the bitmap for the bounds when the device has
+    // none; the first is kept free.
+    virtual void reservedEntry();
+    virtual void createNativeSide();
+    // A new black bitmap of the size; an empty size (or one too large to
+    // allocate) leaves the image empty.
+    virtual void setSize(const KGraphicSize& size);
+    // Loads the file and stretches it over a bitmap of the size.
+    virtual bool createFromPathScaled(const KString& path, const KGraphicSize& size);
+    // Loads an image file, the format chosen by the extension. An unknown
+    // extension, a file that cannot be read and a declared size beyond the
+    // limits are reported as error 57 and leave the image empty.
+    virtual bool createFromPath(const KString& path);
+    // The image becomes a mask: white where every channel is at least the
+    // threshold (65535: pure white only), black elsewhere; the blurred form
+    // softens the edges.
+    virtual void makeThresholdMask(uint16_t threshold);
+    virtual void makeBlurredMask(uint16_t threshold);
+    virtual void smooth();
+    // Inverts every pixel; nothing on an empty image.
+    virtual void invert();
+    virtual void flipHorizontal();
+    virtual void flipVertical();
+    // Quarter turns exchange the width and the height.
+    virtual void rotateLeft();
+    virtual void rotateRight();
+    virtual void rotateHalf();
+    virtual void shearHorizontal(double factor);
+    // Counter-clockwise, in degrees, into the bounding box of the result.
+    virtual void rotateBy(double degrees);
+    // Writes PNG, JPEG, BMP or TIFF by the extension; another extension is
+    // error 57. False when the image is empty or the file cannot be written.
+    virtual bool writeToPath(const KString& path);
+
+    // The image's own device.
+    KGraphicDevice& getDevice();
+    bool hasImage() const;
+    // Drops the bitmap; the image is empty afterwards.
+    void dispose();
+    KGraphicSize getSize() const { return bounds.getSize(); }
+
+    static int32_t liveImages();
+
+protected:
+    // A file just read had transparency: one byte a pixel. A plain image
+    // has no use for it.
+    virtual void takeFileAlpha(std::vector<uint8_t>& alpha, int32_t width, int32_t height);
+    // Replaces the bitmap with one of the new size, filled by `fill` from
+    // the old one.
+    template<class Fill>
+    void replacePixels(int32_t width, int32_t height, Fill&& fill);
+    // Reads the file into this image; failures are reported as error 57.
+    bool load(const KString& path);
+
+    KGraphicDevicePtr device;
+};

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "graphics/KPixelBuffer.h"
+
+#include <cstdint>
+
+// Whole-rectangle pixel operations between two buffers. The rectangles are
+// already clipped to both buffers; source and destination do not overlap
+// unless they are the same rows copied with copyRows.
+namespace KPixelOps {
+
+enum class RasterOp : int32_t {
+    Copy = 0, // destination = source
+    MergePaint = 1, // destination = destination OR NOT source
+    And = 2, // destination = destination AND source
+};
+
+struct Area {
+    int32_t dx, dy; // destination origin
+    int32_t sx, sy; // source origin
+    int32_t width, height;
+};
+
+void apply(const KPixelBuffer& destination, const KPixelBuffer& source, const Area& area, RasterOp op);
+
+// destination = source × alpha + destination × (255 - alpha), a channel at
+// a time, rounded; the source is RGB24.
+void blendConstant(const KPixelBuffer& destination, const KPixelBuffer& source, const Area& area, uint8_t alpha);
+
+// Porter-Duff "over" from a premultiplied ARGB32 source, whose every
+// channel is first scaled by the constant alpha.
+void blendPremultiplied(const KPixelBuffer& destination, const KPixelBuffer& source, const Area& area, uint8_t alpha);
+
+// x / 255 rounded, exact for 0 <= x <= 255 × 255.
+inline uint32_t divide255(uint32_t x)
+{
+    x += 128;
+    return (x + (x >> 8)) >> 8;
+}
+
+// Premultiplies an RGB24 colour by an alpha into an ARGB32 pixel.
+uint32_t premultiply(uint32_t rgb, uint8_t alpha);
+
+} // namespace KPixelOps

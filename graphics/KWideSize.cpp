@@ -1,0 +1,7 @@
+#include "graphics/KWideSize.h"
+
+#include "kernel/KClass.h"
+
+K_DEFINE_CLASS(KWideSize, KThing)
+
+KThing* KWideSize::deepCopy() const { return new KWideSize(*this); }

@@ -1,0 +1,116 @@
+#include "graphics/native/KNativeText.h"
+
+#include "graphics/KFont.h"
+#include "kernel/KString.h"
+
+#include <cairo.h>
+#include <glib.h>
+#include <pango/pangocairo.h>
+
+namespace {
+
+constexpr double kScreenResolution = 96.0;
+
+PangoFontDescription* description(const KNativeFont* font)
+{
+    return reinterpret_cast<PangoFontDescription*>(const_cast<KNativeFont*>(font));
+}
+
+// A context for measuring, not tied to any surface.
+PangoContext* measuringContext()
+{
+    static PangoContext* context = nullptr;
+    if (!context) {
+        context = pango_font_map_create_context(pango_cairo_font_map_get_default());
+        pango_cairo_context_set_resolution(context, kScreenResolution);
+    }
+    return context;
+}
+
+void applyFace(PangoLayout* layout, int32_t face)
+{
+    if (!(face & (KFont::Underline | KFont::Strikeout)))
+        return;
+    PangoAttrList* attributes = pango_attr_list_new();
+    if (face & KFont::Underline)
+        pango_attr_list_insert(attributes, pango_attr_underline_new(PANGO_UNDERLINE_SINGLE));
+    if (face & KFont::Strikeout)
+        pango_attr_list_insert(attributes, pango_attr_strikethrough_new(TRUE));
+    pango_layout_set_attributes(layout, attributes);
+    pango_attr_list_unref(attributes);
+}
+
+void fillLayout(PangoLayout* layout, const std::string& utf8, const KNativeFont* font, int32_t face)
+{
+    if (font)
+        pango_layout_set_font_description(layout, description(font));
+    pango_layout_set_text(layout, utf8.data(), int(utf8.size()));
+    applyFace(layout, face);
+}
+
+} // namespace
+
+KNativeFont* kCreateNativeFont(const std::string& familyUtf8, double points, int32_t face)
+{
+    PangoFontDescription* d = pango_font_description_new();
+    pango_font_description_set_family(d, familyUtf8.empty() ? "Sans" : familyUtf8.c_str());
+    pango_font_description_set_size(d, int(points * PANGO_SCALE + 0.5));
+    pango_font_description_set_weight(d, (face & KFont::Bold) ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
+    pango_font_description_set_style(d, (face & KFont::Italic) ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
+    if (face & KFont::Condense)
+        pango_font_description_set_stretch(d, PANGO_STRETCH_CONDENSED);
+    else if (face & KFont::Extend)
+        pango_font_description_set_stretch(d, PANGO_STRETCH_EXPANDED);
+    return reinterpret_cast<KNativeFont*>(d);
+}
+
+void kDisposeNativeFont(KNativeFont* font)
+{
+    if (font)
+        pango_font_description_free(description(font));
+}
+
+PangoLayout* kCreateTextLayout(cairo_t* context, const std::string& utf8, const KNativeFont* font, int32_t face)
+{
+    PangoLayout* layout = pango_cairo_create_layout(context);
+    fillLayout(layout, utf8, font, face);
+    return layout;
+}
+
+KTextMetrics kMeasureFont(const KNativeFont* font)
+{
+    KTextMetrics result;
+    PangoFontMetrics* metrics = pango_context_get_metrics(measuringContext(), font ? description(font) : nullptr, nullptr);
+    result.ascent = PANGO_PIXELS_CEIL(pango_font_metrics_get_ascent(metrics));
+    result.descent = PANGO_PIXELS_CEIL(pango_font_metrics_get_descent(metrics));
+    int height = pango_font_metrics_get_height(metrics);
+    result.lineHeight = height > 0 ? PANGO_PIXELS_CEIL(height) : result.ascent + result.descent;
+    pango_font_metrics_unref(metrics);
+    return result;
+}
+
+void kMeasureText(const KNativeFont* font, int32_t face, const std::string& utf8, int32_t& width, int32_t& height)
+{
+    PangoLayout* layout = pango_layout_new(measuringContext());
+    fillLayout(layout, utf8, font, face);
+    int w = 0, h = 0;
+    pango_layout_get_pixel_size(layout, &w, &h);
+    g_object_unref(layout);
+    width = w;
+    height = h;
+}
+
+std::string kGraphicsTextToUtf8(const KString& text)
+{
+    if (text.isEmpty())
+        return {};
+    gsize written = 0;
+    gchar* converted = g_convert_with_fallback(text.getText(), text.getLength(), "UTF-8",
+                                               text.getCharSet() == KString::MacintoshSet ? "MACINTOSH" : "WINDOWS-1252", "?",
+                                               nullptr, &written, nullptr);
+    if (!converted)
+        return std::string(text.getText(), size_t(text.getLength()));
+    std::string result(converted, written);
+    g_free(converted);
+    return result;
+}

@@ -1,0 +1,226 @@
+#include "kernel/KBag.h"
+
+#include "kernel/KClass.h"
+#include "kernel/KErrorHandler.h"
+#include "kernel/KThingPtr.h"
+
+#include <algorithm>
+
+K_DEFINE_CLASS(KBag, KArray)
+
+KBag::KBag() = default;
+
+KBag::KBag(const KBag& other)
+    : KArray(other)
+    , usedSize(std::min(other.usedSize, getCapacity()))
+    , growSize(other.growSize)
+    , minSize(other.minSize)
+{
+}
+
+KBag::~KBag()
+{
+    // The array's destructor releases every slot.
+    usedSize = 0;
+}
+
+KBag& KBag::operator=(const KBag& other)
+{
+    if (this == &other)
+        return *this;
+    KArray::operator=(other);
+    usedSize = std::min(other.usedSize, getCapacity());
+    growSize = other.growSize;
+    minSize = other.minSize;
+    return *this;
+}
+
+KThing* KBag::deepCopy() const
+{
+    auto* copy = new KBag();
+    copy->setIsDirect(getIsDirect());
+    copy->setCompareProc(getCompareProc());
+    copy->setSortOrder(getSortOrder());
+    copy->growSize = growSize;
+    copy->minSize = minSize;
+    copy->KArray::setSize(getCapacity());
+    deepCopyElementsInto(*copy, usedSize);
+    copy->usedSize = std::min(usedSize, copy->getCapacity());
+    return copy;
+}
+
+void KBag::setSize(int32_t n)
+{
+    KArray::setSize(n);
+    usedSize = std::min(usedSize, getCapacity());
+}
+
+int32_t KBag::getSize() const { return usedSize; }
+
+bool KBag::isEmpty() const { return usedSize == 0; }
+
+void KBag::setGrowSize(int32_t grow)
+{
+    if (usedSize >= 1) {
+        KErrorHandler::raiseError(KError::BagCannotChangeGrowSize, "KBag::setGrowSize");
+        return;
+    }
+    if (grow <= 0) {
+        KErrorHandler::raiseError(KError::ParameterError, "KBag::setGrowSize");
+        return;
+    }
+    growSize = grow;
+}
+
+void KBag::setMinSize(int32_t min)
+{
+    if (usedSize >= 1) {
+        KErrorHandler::raiseError(KError::BagCannotChangeGrowSize, "KBag::setMinSize");
+        return;
+    }
+    if (min < 0) {
+        KErrorHandler::raiseError(KError::ParameterError, "KBag::setMinSize");
+        return;
+    }
+    minSize = min;
+    if (getCapacity() < minSize)
+        setSize(minSize);
+}
+
+void KBag::growIfFull()
+{
+    if (getCapacity() == usedSize)
+        setSize(int32_t(std::min<int64_t>(int64_t(getCapacity()) + growSize, INT32_MAX)));
+}
+
+void KBag::add(const KThingPtr& ptr) { add(ptr.getObject()); }
+
+void KBag::add(KThing& obj)
+{
+    if (!acceptsObject(obj))
+        return;
+    growIfFull();
+    if (usedSize >= getCapacity())
+        return;
+    putAt(obj, usedSize);
+    ++usedSize;
+}
+
+void KBag::addDirectData(int32_t value)
+{
+    if (!getIsDirect()) {
+        KErrorHandler::raiseError(KError::ArrayIsNotDirect, "KArray::putDirectDataAt(void* Val,long Pos)");
+        return;
+    }
+    growIfFull();
+    if (usedSize >= getCapacity())
+        return;
+    putDirectDataAt(value, usedSize);
+    ++usedSize;
+}
+
+bool KBag::openSlot(int32_t pos)
+{
+    growIfFull();
+    if (usedSize >= getCapacity())
+        return false;
+    if (pos < usedSize) {
+        move(pos, pos + 1, usedSize - pos);
+        // The moved element now lives one slot up: no release here.
+        zeroSlot(pos);
+    }
+    return true;
+}
+
+void KBag::insertAt(const KThingPtr& ptr, int32_t pos) { insertAt(ptr.getObject(), pos); }
+
+void KBag::insertAt(KThing& obj, int32_t pos)
+{
+    static constexpr const char* location = "KBag::insertAt(const KThing& Obj,long Pos)";
+    if (pos < 0 || pos > usedSize) {
+        KErrorHandler::raiseError(KError::IndexOutOfRange, location);
+        return;
+    }
+    if (!acceptsObject(obj) || !openSlot(pos))
+        return;
+    putAt(obj, pos);
+    ++usedSize;
+}
+
+void KBag::insertDirectDataAt(int32_t value, int32_t pos)
+{
+    static constexpr const char* location = "KBag::insertDirectDataAt(void* D,long Pos)";
+    if (pos < 0 || pos > usedSize) {
+        KErrorHandler::raiseError(KError::IndexOutOfRange, location);
+        return;
+    }
+    if (!getIsDirect()) {
+        KErrorHandler::raiseError(KError::ArrayIsNotDirect, "KArray::putDirectDataAt(void* Val,long Pos)");
+        return;
+    }
+    if (!openSlot(pos))
+        return;
+    putDirectDataAt(value, pos);
+    ++usedSize;
+}
+
+void KBag::removeAt(int32_t pos)
+{
+    if (pos < 0 || pos >= usedSize) {
+        KErrorHandler::raiseError(KError::IndexOutOfRange, "KBag::removeAt(long Pos)");
+        return;
+    }
+    resetAt(pos);
+    if (pos < usedSize - 1)
+        move(pos + 1, pos, usedSize - pos - 1);
+    zeroSlot(usedSize - 1);
+    --usedSize;
+    shrinkIfSparse();
+}
+
+void KBag::shrinkIfSparse()
+{
+    int32_t smaller = getCapacity() - growSize;
+    if (usedSize <= smaller && smaller >= minSize)
+        setSize(smaller);
+}
+
+void KBag::removeObject(const KThingPtr& ptr)
+{
+    if (ptr.get())
+        removeObject(*ptr.get());
+}
+
+void KBag::removeObject(const KThing& obj)
+{
+    int32_t pos = findIndexOf(obj);
+    if (pos >= 0)
+        removeAt(pos);
+}
+
+void KBag::clear()
+{
+    usedSize = 0;
+    setSize(minSize);
+    resetAll();
+}
+
+void KBag::append(const KBag& other)
+{
+    if (getIsDirect() != other.getIsDirect())
+        return;
+    // Counted first, so that a bag appended to itself doubles once.
+    int32_t count = other.usedSize;
+    for (int32_t i = 0; i < count; ++i) {
+        if (getIsDirect()) {
+            addDirectData(other.getDirectDataAt(i));
+        } else if (KThing* element = other.getAt(i)) {
+            add(*element);
+        } else {
+            // An empty slot stays empty, so positions keep their pairing.
+            growIfFull();
+            if (usedSize < getCapacity())
+                ++usedSize;
+        }
+    }
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "kernel/KComparable.h"
+#include "kernel/KString.h"
+
+// A time of day. Ordered by hour, then minute, then second.
+class KTime : public KComparable {
+    K_DECLARE_CLASS(KTime)
+public:
+    KTime() = default;
+    KTime(int16_t hour, int16_t minute, int16_t second);
+    KTime(const KTime& other);
+    KTime& operator=(const KTime& other);
+
+    KThing* deepCopy() const override;
+
+    void setTime(int16_t hour, int16_t minute, int16_t second);
+    // Any of the pointers may be null.
+    void getTime(int16_t* hour, int16_t* minute, int16_t* second) const;
+    int16_t getHour() const { return hour; }
+    int16_t getMinute() const { return minute; }
+    int16_t getSecond() const { return second; }
+    // From the local clock.
+    void setNow();
+    // "09:05:00".
+    KString getText() const;
+
+    bool operator==(const KComparable& other) const override;
+    bool operator!=(const KComparable& other) const override;
+    bool operator>(const KComparable& other) const override;
+    bool operator<(const KComparable& other) const override;
+    bool operator>=(const KComparable& other) const override;
+    bool operator<=(const KComparable& other) const override;
+    // Negative, zero or positive as this time is before, equal to or after.
+    int32_t compare(const KTime& other) const;
+
+private:
+    int16_t hour = 0;
+    int16_t minute = 0;
+    int16_t second = 0;
+};

@@ -1,0 +1,7 @@
+#include "windowing/KServices.h"
+
+KServices& kServices()
+{
+    static KServices services;
+    return services;
+}
