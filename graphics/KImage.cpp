@@ -146,6 +146,13 @@ KGraphicDevice& KImage::getDevice()
 
 bool KImage::hasImage() const { return device->hasNativeDevice(); }
 
+KNativeDevice* KImage::getNativeImage() const
+{
+    if (!device->hasNativeDevice())
+        KErrorHandler::raiseError(KError::PointerNull, "KImage::getNativeImage()");
+    return device->getNativeDevice();
+}
+
 void KImage::dispose()
 {
     device->detachNativeDevice();

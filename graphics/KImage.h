@@ -71,6 +71,8 @@ public:
     // Drops the bitmap; the image is empty afterwards.
     void dispose();
     KGraphicSize getSize() const { return bounds.getSize(); }
+    // The bitmap's native surface; reported as error 18 when there is none.
+    KNativeDevice* getNativeImage() const;
 
     static int32_t liveImages();
 

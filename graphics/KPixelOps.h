@@ -3,6 +3,11 @@
 #include "graphics/KPixelBuffer.h"
 
 #include <cstdint>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 // Whole-rectangle pixel operations between two buffers. The rectangles are
 // already clipped to both buffers; source and destination do not overlap
@@ -30,6 +35,32 @@ void blendConstant(const KPixelBuffer& destination, const KPixelBuffer& source, 
 // Porter-Duff "over" from a premultiplied ARGB32 source, whose every
 // channel is first scaled by the constant alpha.
 void blendPremultiplied(const KPixelBuffer& destination, const KPixelBuffer& source, const Area& area, uint8_t alpha);
+
+// Runs of pixels: the inner loops of every shape, written so that they
+// move four pixels a store whatever the length.
+inline void fillRun(uint32_t* p, int32_t n, uint32_t value)
+{
+#if defined(__SSE2__)
+    __m128i four = _mm_set1_epi32(int(value));
+    for (; n >= 4; n -= 4, p += 4)
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(p), four);
+#endif
+    for (; n > 0; --n)
+        *p++ = value;
+}
+
+inline void invertRun(uint32_t* p, int32_t n)
+{
+#if defined(__SSE2__)
+    __m128i white = _mm_set1_epi32(int(KPixelBuffer::kColourBits));
+    for (; n >= 4; n -= 4, p += 4) {
+        __m128i* q = reinterpret_cast<__m128i*>(p);
+        _mm_storeu_si128(q, _mm_xor_si128(_mm_loadu_si128(q), white));
+    }
+#endif
+    for (; n > 0; --n, ++p)
+        *p ^= KPixelBuffer::kColourBits;
+}
 
 // x / 255 rounded, exact for 0 <= x <= 255 × 255.
 inline uint32_t divide255(uint32_t x)

@@ -2,6 +2,7 @@
 
 #include "graphics/KClipRectangles.h"
 #include "graphics/KPixelBuffer.h"
+#include "graphics/KPixelOps.h"
 #include "graphics/KSpanList.h"
 
 #include <algorithm>
@@ -19,7 +20,7 @@ class KSpanPainter {
 public:
     KSpanPainter(const KClipRectangles& clip, const KPixelBuffer* pixels, KPenOp op, uint32_t colour);
 
-    void paint(int32_t y, int32_t x0, int32_t x1)
+    [[gnu::always_inline]] void paint(int32_t y, int32_t x0, int32_t x1)
     {
         if (single) {
             if (y < cy0 || y >= cy1)
@@ -48,7 +49,7 @@ public:
     int32_t lastRow() const { return clipBottom; }
 
 private:
-    void write(int32_t y, int32_t x0, int32_t x1)
+    [[gnu::always_inline]] void write(int32_t y, int32_t x0, int32_t x1)
     {
         if (y < changedY0)
             changedY0 = y;
@@ -63,12 +64,10 @@ private:
             return;
         }
         uint32_t* p = pixels->row(y) + x0;
-        int32_t n = x1 - x0;
         if (op == KPenOp::Set)
-            std::fill_n(p, n, colour);
+            KPixelOps::fillRun(p, x1 - x0, colour);
         else
-            for (int32_t i = 0; i < n; ++i)
-                p[i] ^= KPixelBuffer::kColourBits;
+            KPixelOps::invertRun(p, x1 - x0);
     }
 
     const KClipRectangles& clip;

@@ -79,6 +79,11 @@ TEST_F(ImageTest, TurnsAndFlipsMovePixelsExactly)
 
     // Operations on an empty image do nothing.
     KImagePtr empty(new KImage());
+    {
+        ErrorRecorder errors;
+        EXPECT_EQ(empty->getNativeImage(), nullptr);
+        EXPECT_EQ(errors.lastLocation(), "KImage::getNativeImage()");
+    }
     empty->rotateLeft();
     empty->invert();
     empty->smooth();
