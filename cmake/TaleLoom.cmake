@@ -40,6 +40,6 @@ function(taleloom_test_suite name)
     add_test(NAME ${name}_gtk_tests
              COMMAND xvfb-run -a -s "-screen 0 1280x1024x24" $<TARGET_FILE:${name}_gtk_tests>)
     set_tests_properties(${name}_gtk_tests PROPERTIES
-      ENVIRONMENT "TALELOOM_AUDIO=null;TALELOOM_TEST_SOURCE_DIR=${PROJECT_SOURCE_DIR}" TIMEOUT 600)
+      ENVIRONMENT "TALELOOM_AUDIO=null;NO_AT_BRIDGE=1;TALELOOM_TEST_SOURCE_DIR=${PROJECT_SOURCE_DIR}" TIMEOUT 600)
   endif()
 endfunction()
