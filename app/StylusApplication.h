@@ -1,8 +1,12 @@
 #pragma once
 
+#include "kernel/KThingPtr.h"
 #include "windowing/KApplication.h"
 
-// TaleLoom's application object.
+class ToolPalette;
+
+// TaleLoom's application object. It owns the main window (through the
+// framework) and the palettes.
 class StylusApplication : public KApplication {
     K_DECLARE_CLASS(StylusApplication)
 public:
@@ -10,7 +14,13 @@ public:
     ~StylusApplication() override;
 
     void doInit() override;
+    void doExit() override;
+
+    ToolPalette* getToolPalette() const;
 
     // Registers the program's own classes after the framework's.
     static void registerClasses();
+
+private:
+    KPtr<ToolPalette> toolPalette;
 };

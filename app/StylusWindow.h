@@ -2,13 +2,17 @@
 
 #include "windowing/KWindow.h"
 
-// The program's main window.
+// The program's main window. It shows the page, a black surface of the
+// document's size.
 class StylusWindow : public KWindow {
     K_DECLARE_CLASS(StylusWindow)
 public:
-    static constexpr int32_t kDefaultWidth = 800;
-    static constexpr int32_t kDefaultHeight = 600;
+    // The default document size.
+    static constexpr int32_t kDefaultWidth = 640;
+    static constexpr int32_t kDefaultHeight = 480;
 
     StylusWindow();
     ~StylusWindow() override;
+
+    static StylusWindow* current();
 };

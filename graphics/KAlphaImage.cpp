@@ -1,9 +1,12 @@
 #include "graphics/KAlphaImage.h"
 
 #include "graphics/KGraphicStateGuard.h"
+#include "graphics/KGraphicsStreams.h"
 #include "graphics/KPixelOps.h"
 #include "graphics/native/KNativeDevice.h"
 #include "kernel/KClass.h"
+#include "kernel/KClassWriter.h"
+#include "kernel/KFile.h"
 
 #include <algorithm>
 
@@ -94,6 +97,11 @@ bool KAlphaImage::createFromPaths(const KString& imagePath, const KString& maskP
         return false;
     setMask(*newMask);
     return true;
+}
+
+bool KAlphaImage::createFromFiles(const KFileReference& image, const KFileReference& mask)
+{
+    return createFromPaths(image.getNativeText(), mask.getNativeText());
 }
 
 void KAlphaImage::flipHorizontal()
@@ -259,7 +267,8 @@ void KAlphaImage::ensureNativeAlpha()
 
 uint8_t KAlphaImage::constantAlpha() const
 {
-    double t = std::clamp(transparency, 0.0, 1.0);
+    // Not a number counts as opaque.
+    double t = transparency >= 0.0 ? std::min(transparency, 1.0) : 0.0;
     return uint8_t(255 - int32_t(t * 255.0));
 }
 
@@ -356,4 +365,81 @@ void KAlphaImage::flatten(KGraphicDevice& target, const KGraphicRectangle& sourc
     transparency = 0.0;
     drawRegion(target, source, destination);
     transparency = saved;
+}
+
+// --- The class stream ------------------------------------------------------
+
+void KAlphaImage::writeToFile(KFile& file, int32_t)
+{
+    KClassWriter writer;
+    writer.begin(file, classRecord);
+    writer.newSection(1);
+    KImage::writeToFile(file, 1);
+    // The mask is written as a plain image whatever its class, since the
+    // reader makes a plain image of it.
+    KImagePtr maskImage = mask ? mask : KImagePtr(new KImage());
+    maskImage->KImage::writeToFile(file, 1);
+    hotSpot.writeToFile(file, 1);
+    file.writeShort(int16_t(blendMode));
+    file.writeDouble(transparency);
+    if (alphaPlane) {
+        writer.newSection(2);
+        alphaPlane->KImage::writeToFile(file, 1);
+    }
+    writer.end();
+}
+
+bool KAlphaImage::readRecord(KFile& file)
+{
+    disposeNativeAlpha();
+    alphaPlane.clear();
+    mask.clear();
+    bool read = KGraphicsStreams::readSections(file, classRecord, [&](int32_t id) {
+        using Result = KGraphicsStreams::SectionResult;
+        if (id == 1)
+            return readMainPayload(file) ? Result::Read : Result::Failed;
+        if (id == 2)
+            return readAlphaPlane(file) ? Result::Read : Result::Failed;
+        return Result::Unknown;
+    });
+    if (!read) {
+        mask.clear();
+        alphaPlane.clear();
+        dispose();
+    }
+    rebuildNativeAlpha();
+    return read;
+}
+
+void KAlphaImage::readFromFile(KFile& file) { readRecord(file); }
+
+bool KAlphaImage::readMainPayload(KFile& file)
+{
+    if (!KImage::readRecord(file))
+        return false;
+    KImagePtr maskImage(new KImage());
+    KGraphicPoint spot;
+    if (!maskImage->KImage::readRecord(file) || !spot.readRecord(file))
+        return false;
+    int16_t mode = file.readShort();
+    double newTransparency = file.readDouble();
+    if (file.getError())
+        return false;
+    // A mask record without a bitmap stands for no mask.
+    if (maskImage->hasImage())
+        mask = maskImage;
+    hotSpot = spot;
+    blendMode = mode;
+    transparency = newTransparency >= 0.0 ? std::min(newTransparency, 1.0) : 0.0;
+    return true;
+}
+
+bool KAlphaImage::readAlphaPlane(KFile& file)
+{
+    KImagePtr plane(new KImage());
+    if (!plane->KImage::readRecord(file))
+        return false;
+    if (plane->hasImage())
+        alphaPlane = plane;
+    return true;
 }

@@ -27,6 +27,17 @@ public:
 
     void drawRegion(KGraphicDevice& target, const KGraphicRectangle& source, const KGraphicRectangle& destination) override;
 
+    // The record: the whole KImage record, the mask as a whole KImage record
+    // (an empty one when there is none), the hot spot as a KGraphicPoint
+    // record, the blend mode in 16 bits and the transparency as a double.
+    // The file's own transparency, when the image has one, follows in
+    // section 2 as a KImage record, which older readers skip.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    using KImage::writeToFile;
+    // False when the record was damaged; the image is empty then.
+    bool readRecord(KFile& file);
+
     // Loading and turning go through three steps: the derived alpha is
     // dropped, the image operation runs (on the mask as well), the alpha is
     // built again.
@@ -44,6 +55,7 @@ public:
     virtual void setMask(KImage& image);
     virtual void clearMask();
     // Reads the image, then a new mask image from the second file.
+    virtual bool createFromFiles(const KFileReference& image, const KFileReference& mask);
     virtual bool createFromPaths(const KString& imagePath, const KString& maskPath);
     // Draws opaquely: the destination is first filled black, then the image
     // is drawn through its mask with no transparency.
@@ -71,6 +83,8 @@ protected:
 private:
     template<class Own, class Other>
     void turn(Own&& own, Other&& other);
+    bool readMainPayload(KFile& file);
+    bool readAlphaPlane(KFile& file);
     void ensureNativeAlpha();
     uint8_t constantAlpha() const;
     KWideRectangle maskSource(const KGraphicRectangle& source) const;

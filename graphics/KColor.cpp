@@ -1,6 +1,8 @@
 #include "graphics/KColor.h"
 
+#include "graphics/KGraphicsStreams.h"
 #include "kernel/KClass.h"
+#include "kernel/KFile.h"
 
 K_DEFINE_CLASS(KColor, KThing)
 
@@ -116,3 +118,31 @@ void KColor::setSystemColour(int32_t named, const KColor& colour)
         return;
     gSystemColours[named - kFirstSystemColour] = { colour.red, colour.green, colour.blue };
 }
+
+// The channels as 16 bits each, then the transparency as a double.
+void KColor::writeToFile(KFile& file, int32_t)
+{
+    KGraphicsStreams::writeMainSection(file, classRecord, [&] {
+        file.writeShort(int16_t(red));
+        file.writeShort(int16_t(green));
+        file.writeShort(int16_t(blue));
+        file.writeDouble(transparency);
+    });
+}
+
+bool KColor::readRecord(KFile& file)
+{
+    KColor colour;
+    bool read = KGraphicsStreams::readMainSection(file, classRecord, [&] {
+        colour.red = uint16_t(file.readShort());
+        colour.green = uint16_t(file.readShort());
+        colour.blue = uint16_t(file.readShort());
+        colour.transparency = file.readDouble();
+        return file.getError() == 0;
+    });
+    if (read)
+        *this = colour;
+    return read;
+}
+
+void KColor::readFromFile(KFile& file) { readRecord(file); }

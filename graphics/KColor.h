@@ -63,6 +63,12 @@ public:
 
     KThing* deepCopy() const override;
 
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    // Reads the record; false, with the members as they were, when it is
+    // damaged or of another class.
+    bool readRecord(KFile& file);
+
     void set(uint16_t newRed, uint16_t newGreen, uint16_t newBlue, double newTransparency = 0.0);
     void setNamed(int32_t named);
     uint16_t getRed() const { return red; }

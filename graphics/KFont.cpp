@@ -1,11 +1,27 @@
 #include "graphics/KFont.h"
 
+#include "graphics/KGraphicsStreams.h"
 #include "graphics/KWideSize.h"
 #include "graphics/native/KNativeText.h"
 #include "kernel/KClass.h"
 #include "kernel/KErrorHandler.h"
+#include "kernel/KFile.h"
+
+#include <algorithm>
 
 K_DEFINE_CLASS(KFont, KThing)
+
+namespace {
+
+// Not a number and sizes of 0 or less give the default.
+double sanitisedSize(double size)
+{
+    if (!(size > 0.0))
+        return KFont::kDefaultSize;
+    return std::min(size, KFont::kMaxSize);
+}
+
+} // namespace
 
 void kksGetStandardFont(KStandardFont font, KString& name, double* size)
 {
@@ -39,7 +55,7 @@ KFont::KFont(KStandardFont standard)
 
 KFont::KFont(const KString& name, double size, int32_t face)
     : name(name)
-    , size(size > 0.0 ? size : kDefaultSize)
+    , size(sanitisedSize(size))
     , face(face)
 {
 }
@@ -77,7 +93,7 @@ void KFont::setName(const KString& value)
 
 void KFont::setSize(double value)
 {
-    size = value > 0.0 ? value : kDefaultSize;
+    size = sanitisedSize(value);
     clearNative();
 }
 
@@ -115,3 +131,38 @@ KWideSize KFont::measureString(const KString& text) const
     kMeasureText(getNativeFont(), face, kGraphicsTextToUtf8(text), width, height);
     return { width, height };
 }
+
+void KFont::writeToFile(KFile& file, int32_t)
+{
+    KGraphicsStreams::writeMainSection(file, classRecord, [&] {
+        name.writeToFile(file, 1);
+        file.writeDouble(size);
+        file.writeShort(int16_t(face));
+        styleFlags.writeToFile(file, 1);
+    });
+}
+
+bool KFont::readRecord(KFile& file)
+{
+    KString newName;
+    double newSize = 0.0;
+    int16_t newFace = 0;
+    KFlagSet newFlags;
+    bool read = KGraphicsStreams::readMainSection(file, classRecord, [&] {
+        if (!KGraphicsStreams::readNested(file, newName))
+            return false;
+        newSize = file.readDouble();
+        newFace = file.readShort();
+        return file.getError() == 0 && KGraphicsStreams::readNested(file, newFlags);
+    });
+    if (!read)
+        return false;
+    name = newName;
+    size = sanitisedSize(newSize);
+    face = newFace;
+    styleFlags = newFlags;
+    clearNative();
+    return true;
+}
+
+void KFont::readFromFile(KFile& file) { readRecord(file); }

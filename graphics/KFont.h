@@ -1,6 +1,7 @@
 #pragma once
 
 #include "graphics/KGraphicsForward.h"
+#include "kernel/KFlagSet.h"
 #include "kernel/KString.h"
 #include "kernel/KThing.h"
 
@@ -23,12 +24,15 @@ public:
         Strikeout = 128,
     };
     static constexpr double kDefaultSize = 12.0;
+    // Sizes above this are taken as this; the native font works in fixed
+    // point and a stored size may be anything.
+    static constexpr double kMaxSize = 4096.0;
 
     // The application's standard font (number 1).
     KFont();
     // 0 the system font, 1 to 3 the application's, others the fallback.
     explicit KFont(KStandardFont standard);
-    // A size of 0 keeps the default of 12 points.
+    // A size of 0 (or less) keeps the default of 12 points.
     KFont(const KString& name, double size = 0.0, int32_t face = Plain);
     KFont(const KFont& other);
     KFont& operator=(const KFont& other);
@@ -36,14 +40,22 @@ public:
 
     KThing* deepCopy() const override;
 
+    // Name as a KString record, size as a double, face in 16 bits, the style
+    // flags as a KFlagSet record.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    // False, with the font as it was, when the record is damaged.
+    bool readRecord(KFile& file);
+
     const KString& getName() const { return name; }
     double getSize() const { return size; }
     int32_t getFace() const { return face; }
-    int32_t getStyleFlags() const { return styleFlags; }
+    const KFlagSet& getStyleFlags() const { return styleFlags; }
     void setName(const KString& value);
     void setSize(double value);
     void setFace(int32_t value);
-    void setStyleFlags(int32_t value) { styleFlags = value; }
+    void setStyleFlags(const KFlagSet& value) { styleFlags = value; }
+    void setStyleFlags(int32_t value) { styleFlags.setValue(value); }
 
     bool operator==(const KFont& other) const;
     bool operator!=(const KFont& other) const { return !(*this == other); }
@@ -63,7 +75,7 @@ private:
     KString name;
     double size = kDefaultSize;
     int32_t face = Plain;
-    int32_t styleFlags = 0;
+    KFlagSet styleFlags;
     mutable KNativeFont* nativeFont = nullptr;
 };
 

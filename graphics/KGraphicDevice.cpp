@@ -7,6 +7,7 @@
 #include "graphics/KShapeRasteriser.h"
 #include "graphics/native/KNativeDevice.h"
 #include "graphics/native/KNativeText.h"
+#include "kernel/KArray.h"
 #include "kernel/KClass.h"
 
 #include <algorithm>
@@ -466,6 +467,28 @@ void KGraphicDevice::drawDashedPath(const std::vector<KGraphicPoint>& points)
     // inverting mode changes how it paints.
     paint(penOp(), state.foreground.getNative(), [&](KSpanPainter& painter) { painter.paint(spans); });
 }
+
+namespace {
+
+std::vector<KGraphicPoint> pointsOf(const KArray& array)
+{
+    std::vector<KGraphicPoint> points;
+    int32_t count = array.getSize();
+    points.reserve(size_t(count > 0 ? count : 0));
+    for (int32_t i = 0; i < count; ++i) {
+        if (auto* point = dynamic_cast<KGraphicPoint*>(array.getAt(i)))
+            points.push_back(*point);
+    }
+    return points;
+}
+
+} // namespace
+
+void KGraphicDevice::framePolygon(const KArray& points) { framePolygon(pointsOf(points)); }
+
+void KGraphicDevice::fillPolygon(const KArray& points) { fillPolygon(pointsOf(points)); }
+
+void KGraphicDevice::drawDashedPath(const KArray& points) { drawDashedPath(pointsOf(points)); }
 
 void KGraphicDevice::fillWithPattern(const KGraphicRectangle& r, KGraphicObject& tile)
 {

@@ -150,6 +150,11 @@ public:
     void fillPolygon(const std::vector<KGraphicPoint>& points);
     // The closed path in a one-pixel dash-dot line of the foreground.
     void drawDashedPath(const std::vector<KGraphicPoint>& points);
+    // The same over an array of KGraphicPoint objects; empty slots and other
+    // objects are passed over.
+    void framePolygon(const KArray& points);
+    void fillPolygon(const KArray& points);
+    void drawDashedPath(const KArray& points);
     // Tiles the rectangle with the object, the tiles aligned on the
     // device's origin, so that neighbouring fills join without a seam.
     void fillWithPattern(const KGraphicRectangle& r, KGraphicObject& tile);

@@ -22,6 +22,13 @@ public:
     // Draws the whole at its natural size with its origin at `p`.
     virtual void drawAt(KGraphicDevice& device, const KGraphicPoint& p) = 0;
 
+    // The record of a graphic object is its bounds, as a whole
+    // KGraphicRectangle record.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    // False, with the bounds as they were, when the record is damaged.
+    bool readRecord(KFile& file);
+
 protected:
     KGraphicRectangle bounds;
 };

@@ -2,7 +2,9 @@
 
 #include "graphics/KRectangleMath.h"
 #include "graphics/KWideRectangle.h"
+#include "graphics/KGraphicsStreams.h"
 #include "kernel/KClass.h"
+#include "kernel/KFile.h"
 
 K_DEFINE_CLASS(KGraphicRectangle, KThing)
 
@@ -63,3 +65,29 @@ bool KGraphicRectangle::operator==(const KGraphicRectangle& other) const
 }
 
 KWideRectangle KGraphicRectangle::toWide() const { return { x, y, width, height }; }
+
+// The origin as a whole KGraphicPoint record, then the size as a whole KGraphicSize record.
+void KGraphicRectangle::writeToFile(KFile& file, int32_t)
+{
+    KGraphicsStreams::writeMainSection(file, classRecord, [&] {
+        KGraphicPoint origin = getOrigin();
+        KGraphicSize extent = getSize();
+        origin.writeToFile(file, 1);
+        extent.writeToFile(file, 1);
+    });
+}
+
+bool KGraphicRectangle::readRecord(KFile& file)
+{
+    KGraphicPoint origin;
+    KGraphicSize extent;
+    bool read = KGraphicsStreams::readMainSection(file, classRecord,
+                                                  [&] { return origin.readRecord(file) && extent.readRecord(file); });
+    if (read) {
+        setOrigin(origin);
+        setSize(extent);
+    }
+    return read;
+}
+
+void KGraphicRectangle::readFromFile(KFile& file) { readRecord(file); }

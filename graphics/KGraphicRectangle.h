@@ -45,6 +45,12 @@ public:
 
     KThing* deepCopy() const override;
 
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    // Reads the record; false, with the members as they were, when it is
+    // damaged or of another class.
+    bool readRecord(KFile& file);
+
     void set(int16_t newX, int16_t newY, int16_t newWidth, int16_t newHeight);
     void setCorners(int16_t left, int16_t top, int16_t right, int16_t bottom);
     // right = x + width, bottom = y + height.

@@ -21,6 +21,11 @@ public:
 
     KThing* deepCopy() const override;
 
+    // Regions have no file form: both report through the "not implemented"
+    // message and neither reads nor writes a byte.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+
     void set(const KGraphicRectangle& rectangle);
     void set(const KWideRectangle& rectangle);
     void clear();

@@ -28,6 +28,12 @@ public:
 
     KThing* deepCopy() const override;
 
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    // Reads the record; false, with the members as they were, when it is
+    // damaged or of another class.
+    bool readRecord(KFile& file);
+
     int16_t getWidth() const { return width; }
     int16_t getHeight() const { return height; }
     void setWidth(int16_t value) { width = value; }

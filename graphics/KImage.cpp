@@ -1,11 +1,14 @@
 #include "graphics/KImage.h"
 
+#include "graphics/KBitmapCodec.h"
 #include "graphics/KGraphicStateGuard.h"
+#include "graphics/KGraphicsStreams.h"
 #include "graphics/KImageTransforms.h"
 #include "graphics/native/KNativeDevice.h"
 #include "graphics/native/KNativeImageFile.h"
 #include "kernel/KClass.h"
 #include "kernel/KErrorHandler.h"
+#include "kernel/KFile.h"
 
 #include <cmath>
 #include <cstring>
@@ -71,6 +74,33 @@ bool sizeAllocatable(int64_t width, int64_t height)
 {
     return width > 0 && height > 0 && width <= KNativeImageFile::kMaxSide && height <= KNativeImageFile::kMaxSide
         && width * height <= KNativeImageFile::kMaxPixels;
+}
+
+// A record's bounds may ask for the bitmap to be stretched, but no further
+// than this many times its area: a few bytes of a damaged stream must not
+// claim a page-sized bitmap.
+constexpr int64_t kMaxStretchFactor = 16;
+
+// The size a decoded bitmap is drawn at: the record's, unless that cannot
+// be right, then the bitmap's own.
+KGraphicSize drawnSize(const KGraphicSize& recorded, const KBitmapCodec::Picture& picture)
+{
+    int64_t area = int64_t(recorded.width) * recorded.height;
+    int64_t pictureArea = int64_t(picture.width) * picture.height;
+    if (!sizeAllocatable(recorded.width, recorded.height) || area > pictureArea * kMaxStretchFactor)
+        return KGraphicSize(int16_t(picture.width), int16_t(picture.height));
+    return recorded;
+}
+
+bool copyPicture(KGraphicDevice& device, const KBitmapCodec::Picture& picture)
+{
+    KPixelBuffer pixels;
+    if (!device.beginPixelAccess(pixels) || pixels.width != picture.width || pixels.height != picture.height)
+        return false;
+    for (int32_t y = 0; y < picture.height; ++y)
+        std::memcpy(pixels.row(y), &picture.pixels[size_t(y) * size_t(picture.width)], size_t(picture.width) * 4);
+    device.endPixelAccess(KWideRectangle(0, 0, picture.width, picture.height));
+    return true;
 }
 
 } // namespace
@@ -332,4 +362,98 @@ bool KImage::writeToPath(const KString& path)
     if (!device->beginPixelAccess(pixels))
         return false;
     return KNativeImageFile::write(KNativeImageFile::fileNameOf(path), type, pixels);
+}
+
+bool KImage::writeToFile(const KFileReference& ref) { return writeToPath(ref.getNativeText()); }
+
+bool KImage::createFromFile(const KFileReference& ref) { return createFromPath(ref.getNativeText()); }
+
+bool KImage::createFromFileScaled(const KFileReference& ref, const KGraphicSize& size)
+{
+    return createFromPathScaled(ref.getNativeText(), size);
+}
+
+// --- The class stream ------------------------------------------------------
+
+void KImage::writeToFile(KFile& file, int32_t)
+{
+    KGraphicsStreams::writeMainSection(file, classRecord, [&] {
+        KGraphicObject::writeToFile(file, 1);
+        writeBitmap(file);
+    });
+}
+
+// The length is known before the bitmap goes out, so it is written at once
+// rather than patched afterwards; the bytes are the same.
+void KImage::writeBitmap(KFile& file)
+{
+    KPixelBuffer pixels;
+    int64_t size = 0;
+    if (hasImage() && device->beginPixelAccess(pixels))
+        size = KBitmapCodec::encodedSize(pixels.width, pixels.height);
+    file.writeLong(int32_t(size));
+    if (size == 0)
+        return;
+    uint8_t headers[KBitmapCodec::kFileHeaderSize + KBitmapCodec::kInfoHeaderSize];
+    KBitmapCodec::encodeHeaders(pixels.width, pixels.height, headers);
+    file.writeBytes(headers, int32_t(sizeof headers));
+    std::vector<uint8_t> row(size_t(KBitmapCodec::encodedRowSize(pixels.width)));
+    for (int32_t y = pixels.height - 1; y >= 0; --y) {
+        KBitmapCodec::encodeRow(pixels.row(y), pixels.width, row.data());
+        file.writeBytes(row.data(), int32_t(row.size()));
+    }
+}
+
+bool KImage::readRecord(KFile& file)
+{
+    bool read = KGraphicsStreams::readMainSection(file, classRecord, [&] { return readPayload(file); });
+    if (!read)
+        dispose();
+    return read;
+}
+
+void KImage::readFromFile(KFile& file) { readRecord(file); }
+
+bool KImage::readPayload(KFile& file)
+{
+    if (!KGraphicObject::readRecord(file))
+        return false;
+    KGraphicSize size = bounds.getSize();
+    dispose();
+    int32_t length = file.readLong();
+    if (file.getError() || !file.checkAvailable(length))
+        return false;
+    if (length == 0)
+        return true;
+    std::vector<uint8_t> bytes(size_t(length), 0);
+    if (!file.readBytes(bytes.data(), length))
+        return false;
+    decodeBitmap(bytes, size);
+    return true;
+}
+
+void KImage::decodeBitmap(const std::vector<uint8_t>& bytes, const KGraphicSize& size)
+{
+    uint32_t total = 0, pixelOffset = 0;
+    if (bytes.size() < size_t(KBitmapCodec::kFileHeaderSize) || !KBitmapCodec::readFileHeader(bytes.data(), total, pixelOffset))
+        return;
+    if (total < uint32_t(KBitmapCodec::kFileHeaderSize) || total > bytes.size())
+        return;
+    KBitmapCodec::Picture picture;
+    const uint8_t* dib = bytes.data() + KBitmapCodec::kFileHeaderSize;
+    if (!KBitmapCodec::decode(dib, total - KBitmapCodec::kFileHeaderSize, pixelOffset, picture))
+        return;
+    KGraphicSize target = drawnSize(size, picture);
+    setSize(target);
+    if (!hasImage())
+        return;
+    if (target.width == picture.width && target.height == picture.height) {
+        copyPicture(*device, picture);
+        return;
+    }
+    // Another size is stretched over the bitmap, as a copy between devices
+    // of different sizes always is.
+    KImagePtr decoded(new KImage(KGraphicSize(int16_t(picture.width), int16_t(picture.height))));
+    if (decoded->hasImage() && copyPicture(decoded->getDevice(), picture))
+        decoded->drawIn(*device, bounds);
 }

@@ -3,6 +3,7 @@
 #include "graphics/KGraphicDevice.h"
 #include "graphics/KGraphicObject.h"
 #include "graphics/KGraphicsForward.h"
+#include "kernel/KFileReference.h"
 #include "kernel/KString.h"
 #include "kernel/KThingPtr.h"
 
@@ -31,6 +32,16 @@ public:
     void drawIn(KGraphicDevice& target, const KGraphicRectangle& destination) override;
     void drawAt(KGraphicDevice& target, const KGraphicPoint& p) override;
 
+    // The record: the bounds as a whole KGraphicObject record, the length of
+    // the bitmap, and the bitmap as a BMP file image; an empty image writes
+    // the length 0 alone. A bitmap that cannot be decoded leaves the image
+    // empty and the stream behind it; a stream cut short stores its error in
+    // the file.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    // False when the record was damaged; the image is empty then.
+    bool readRecord(KFile& file);
+
     // The second entry creates the bitmap for the bounds when the device has
     // none; the first is kept free.
     virtual void reservedEntry();
@@ -39,6 +50,9 @@ public:
     // allocate) leaves the image empty.
     virtual void setSize(const KGraphicSize& size);
     // Loads the file and stretches it over a bitmap of the size.
+    virtual bool createFromFileScaled(const KFileReference& ref, const KGraphicSize& size);
+    // The file's extension chooses the format; see createFromPath.
+    virtual bool createFromFile(const KFileReference& ref);
     virtual bool createFromPathScaled(const KString& path, const KGraphicSize& size);
     // Loads an image file, the format chosen by the extension. An unknown
     // extension, a file that cannot be read and a declared size beyond the
@@ -64,6 +78,7 @@ public:
     // Writes PNG, JPEG, BMP or TIFF by the extension; another extension is
     // error 57. False when the image is empty or the file cannot be written.
     virtual bool writeToPath(const KString& path);
+    virtual bool writeToFile(const KFileReference& ref);
 
     // The image's own device.
     KGraphicDevice& getDevice();
@@ -86,6 +101,11 @@ protected:
     void replacePixels(int32_t width, int32_t height, Fill&& fill);
     // Reads the file into this image; failures are reported as error 57.
     bool load(const KString& path);
+    // The record's parts.
+    bool readPayload(KFile& file);
+    void writeBitmap(KFile& file);
+    // Decodes the BMP file image into a bitmap of `size`.
+    void decodeBitmap(const std::vector<uint8_t>& bytes, const KGraphicSize& size);
 
     KGraphicDevicePtr device;
 };

@@ -1,6 +1,8 @@
 #include "graphics/KWidePoint.h"
 
+#include "graphics/KGraphicsStreams.h"
 #include "kernel/KClass.h"
+#include "kernel/KFile.h"
 
 K_DEFINE_CLASS(KWidePoint, KThing)
 
@@ -35,3 +37,29 @@ void KWidePoint::offset(int32_t dx, int32_t dy)
     x = wrapAdd(x, dx);
     y = wrapAdd(y, dy);
 }
+
+void KWidePoint::writeToFile(KFile& file, int32_t)
+{
+    KGraphicsStreams::writeMainSection(file, classRecord, [&] {
+        file.writeLong(x);
+        file.writeLong(y);
+    });
+}
+
+bool KWidePoint::readRecord(KFile& file)
+{
+    int32_t first = 0;
+    int32_t second = 0;
+    bool read = KGraphicsStreams::readMainSection(file, classRecord, [&] {
+        first = file.readLong();
+        second = file.readLong();
+        return file.getError() == 0;
+    });
+    if (read) {
+        x = first;
+        y = second;
+    }
+    return read;
+}
+
+void KWidePoint::readFromFile(KFile& file) { readRecord(file); }

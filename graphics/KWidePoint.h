@@ -28,6 +28,12 @@ public:
 
     KThing* deepCopy() const override;
 
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    // Reads the record; false, with the members as they were, when it is
+    // damaged or of another class.
+    bool readRecord(KFile& file);
+
     int32_t getX() const { return x; }
     int32_t getY() const { return y; }
     void setX(int32_t value) { x = value; }

@@ -2,7 +2,9 @@
 
 #include "graphics/KGraphicRectangle.h"
 #include "graphics/KRectangleMath.h"
+#include "graphics/KGraphicsStreams.h"
 #include "kernel/KClass.h"
+#include "kernel/KFile.h"
 
 K_DEFINE_CLASS(KWideRectangle, KThing)
 
@@ -63,3 +65,29 @@ bool KWideRectangle::operator==(const KWideRectangle& other) const
 }
 
 KGraphicRectangle KWideRectangle::toGraphic() const { return { int16_t(x), int16_t(y), int16_t(width), int16_t(height) }; }
+
+// The origin as a whole KWidePoint record, then the size as a whole KWideSize record.
+void KWideRectangle::writeToFile(KFile& file, int32_t)
+{
+    KGraphicsStreams::writeMainSection(file, classRecord, [&] {
+        KWidePoint origin = getOrigin();
+        KWideSize extent = getSize();
+        origin.writeToFile(file, 1);
+        extent.writeToFile(file, 1);
+    });
+}
+
+bool KWideRectangle::readRecord(KFile& file)
+{
+    KWidePoint origin;
+    KWideSize extent;
+    bool read = KGraphicsStreams::readMainSection(file, classRecord,
+                                                  [&] { return origin.readRecord(file) && extent.readRecord(file); });
+    if (read) {
+        setOrigin(origin);
+        setSize(extent);
+    }
+    return read;
+}
+
+void KWideRectangle::readFromFile(KFile& file) { readRecord(file); }

@@ -44,6 +44,12 @@ public:
 
     KThing* deepCopy() const override;
 
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    // Reads the record; false, with the members as they were, when it is
+    // damaged or of another class.
+    bool readRecord(KFile& file);
+
     void set(int32_t newX, int32_t newY, int32_t newWidth, int32_t newHeight);
     void setCorners(int32_t left, int32_t top, int32_t right, int32_t bottom);
     void getCorners(int32_t& left, int32_t& top, int32_t& right, int32_t& bottom) const;

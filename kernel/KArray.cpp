@@ -1,9 +1,14 @@
 #include "kernel/KArray.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KClassReader.h"
+#include "kernel/KClassWriter.h"
 #include "kernel/KComparable.h"
 #include "kernel/KErrorHandler.h"
+#include "kernel/KFile.h"
+#include "kernel/KJsonWriter.h"
 #include "kernel/KMemory.h"
+#include "kernel/KStreamReading.h"
 #include "kernel/KThingPtr.h"
 
 #include <algorithm>
@@ -462,4 +467,154 @@ void KArray::quickSort(int32_t lo, int32_t hi)
             hi = j;
         }
     }
+}
+
+// Persistence.
+
+namespace {
+
+constexpr const char* kReadLocation = "void KArray::readFromFile(KFile& F)";
+constexpr const char* kWriteLocation = "void KArray::writeToFile(KFile& F, long Ver)";
+
+// Raw values go to and from the file in blocks of this many slots.
+constexpr int32_t kDirectBlock = 4096;
+
+// Every slot takes at least four bytes: its raw value or its class id.
+constexpr int32_t kMinSlotBytes = 4;
+
+void putBigEndian(uint32_t value, unsigned char* bytes)
+{
+    bytes[0] = uint8_t(value >> 24);
+    bytes[1] = uint8_t(value >> 16);
+    bytes[2] = uint8_t(value >> 8);
+    bytes[3] = uint8_t(value);
+}
+
+uint32_t getBigEndian(const unsigned char* bytes)
+{
+    return uint32_t(bytes[0]) << 24 | uint32_t(bytes[1]) << 16 | uint32_t(bytes[2]) << 8 | uint32_t(bytes[3]);
+}
+
+} // namespace
+
+void KArray::writeToFile(KFile& file, int32_t)
+{
+    KClassWriter writer;
+    writer.begin(file, classRecord);
+    writer.newSection(1);
+    file.writeLong(size);
+    file.writeBool(isDirect);
+    if (isDirect) {
+        writeDirectSlots(file);
+    } else {
+        for (int32_t i = 0; i < size; ++i)
+            KClassWriter::writeObject(file, objectSlots()[i], kWriteLocation);
+    }
+    writer.end();
+}
+
+void KArray::writeDirectSlots(KFile& file) const
+{
+    unsigned char block[kDirectBlock * 4];
+    for (int32_t done = 0; done < size;) {
+        int32_t count = std::min(kDirectBlock, size - done);
+        for (int32_t i = 0; i < count; ++i)
+            putBigEndian(uint32_t(directSlots()[done + i]), block + 4 * i);
+        file.write(block, count * 4);
+        done += count;
+    }
+}
+
+void KArray::readFromFile(KFile& file)
+{
+    droppedOnRead = 0;
+    nulledOnRead = 0;
+    KStreamReading::readMainSection(file, classRecord, [&](int32_t payload) { readSlots(file, payload); });
+}
+
+void KArray::readSlots(KFile& file, int32_t payload)
+{
+    int32_t count = file.readLong();
+    bool direct = file.readBool();
+    if (file.getError())
+        return;
+    // The count is checked against the bytes there before any allocation.
+    if (count < 0 || int64_t(count) * kMinSlotBytes > payload - 5) {
+        file.setError(KError::CouldNotReadFile);
+        return;
+    }
+    if (!file.checkAvailable(int64_t(count) * kMinSlotBytes))
+        return;
+    setSize(0);
+    setIsDirect(direct);
+    setSize(count);
+    if (size != count) {
+        file.setError(KError::CouldNotReadFile);
+        return;
+    }
+    if (direct)
+        readDirectSlots(file);
+    else
+        readObjectSlots(file);
+}
+
+void KArray::readDirectSlots(KFile& file)
+{
+    // Read in place, then turned to host order one slot at a time.
+    auto* bytes = static_cast<unsigned char*>(data);
+    if (size == 0 || !file.readBytes(bytes, size * 4)) {
+        resetAll();
+        return;
+    }
+    for (int32_t i = 0; i < size; ++i)
+        directSlots()[i] = int32_t(getBigEndian(bytes + 4 * i));
+}
+
+void KArray::readObjectSlots(KFile& file)
+{
+    int32_t count = size;
+    int32_t position = 0;
+    for (int32_t i = 0; i < count && !file.getError(); ++i) {
+        KThingPtr element;
+        switch (KStreamReading::readObject(file, element, kReadLocation)) {
+        case KClassReader::ObjectRead:
+            putAt(element.getObject(), position++);
+            break;
+        case KClassReader::NullObject:
+            ++position;
+            break;
+        case KClassReader::NulledObject:
+            ++position;
+            ++nulledOnRead;
+            break;
+        case KClassReader::DroppedObject:
+            ++droppedOnRead;
+            break;
+        case KClassReader::ReadFailed:
+            break;
+        }
+    }
+    if (droppedOnRead > 0)
+        setSize(count - droppedOnRead);
+}
+
+void KArray::describe(KJsonWriter& out) const
+{
+    out.member("size", size);
+    out.member("isDirect", isDirect);
+    describeElements(out);
+}
+
+void KArray::describeElements(KJsonWriter& out) const
+{
+    out.key("elements");
+    out.beginArray();
+    int32_t count = std::min(getSize(), size);
+    for (int32_t i = 0; i < count; ++i) {
+        if (isDirect)
+            out.value(directSlots()[i]);
+        else
+            out.object(objectSlots()[i]);
+    }
+    out.endArray();
 }

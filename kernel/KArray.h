@@ -24,6 +24,11 @@ public:
     KArray& operator=(const KArray& other);
 
     KThing* deepCopy() const override;
+    // Section 1: the slot count, the direct flag, then the raw values, or
+    // for each slot a class id (0 for an empty slot) and the object's stream.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     // Slot 10.
     virtual void setSize(int32_t n);
@@ -97,6 +102,8 @@ protected:
     // Fills `target` (already sized and set up) with deep copies of the
     // first `count` slots.
     void deepCopyElementsInto(KArray& target, int32_t count) const;
+    // The "elements" member of describe(): the getSize() first slots.
+    void describeElements(KJsonWriter& out) const;
 
 private:
     KThing** objectSlots() const { return static_cast<KThing**>(data); }
@@ -105,6 +112,12 @@ private:
     bool reallocate(int32_t slots, int32_t keep);
     void releaseStorage();
     void rawSwap(int32_t a, int32_t b);
+
+    // Reading steps; `payload` is the length of section 1.
+    void readSlots(KFile& file, int32_t payload);
+    void readDirectSlots(KFile& file);
+    void readObjectSlots(KFile& file);
+    void writeDirectSlots(KFile& file) const;
 
     // Sorting steps.
     int32_t compareSlots(int32_t i, int32_t j);

@@ -1,7 +1,11 @@
 #include "kernel/KBag.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KClassWriter.h"
 #include "kernel/KErrorHandler.h"
+#include "kernel/KFile.h"
+#include "kernel/KJsonWriter.h"
+#include "kernel/KStreamReading.h"
 #include "kernel/KThingPtr.h"
 
 #include <algorithm>
@@ -223,4 +227,52 @@ void KBag::append(const KBag& other)
                 ++usedSize;
         }
     }
+}
+
+// Persistence.
+
+void KBag::writeToFile(KFile& file, int32_t version)
+{
+    KClassWriter writer;
+    writer.begin(file, classRecord);
+    writer.newSection(1);
+    KArray::writeToFile(file, version);
+    file.writeLong(usedSize);
+    file.writeLong(growSize);
+    file.writeLong(minSize);
+    writer.end();
+}
+
+void KBag::readFromFile(KFile& file)
+{
+    setDroppedOnRead(0);
+    KStreamReading::readMainSection(file, classRecord, [&](int32_t) {
+        KArray::readFromFile(file);
+        readCounts(file, getCapacity() + getDroppedOnRead());
+    });
+}
+
+void KBag::readCounts(KFile& file, int32_t slotsInStream)
+{
+    int32_t used = file.readLong();
+    int32_t grow = file.readLong();
+    int32_t min = file.readLong();
+    // A bag never uses, nor keeps in reserve, more slots than it has.
+    bool sound = used >= 0 && used <= slotsInStream && min >= 0 && min <= slotsInStream;
+    if (!sound && !file.getError())
+        file.setError(KError::CouldNotReadFile);
+    used -= getDroppedOnRead();
+    usedSize = std::clamp(used, 0, getCapacity());
+    growSize = grow < 1 ? 1 : grow;
+    minSize = sound ? min : 0;
+}
+
+void KBag::describe(KJsonWriter& out) const
+{
+    out.member("size", getCapacity());
+    out.member("isDirect", getIsDirect());
+    out.member("usedSize", usedSize);
+    out.member("growSize", growSize);
+    out.member("minSize", minSize);
+    describeElements(out);
 }

@@ -15,6 +15,11 @@ public:
     KBag& operator=(const KBag& other);
 
     KThing* deepCopy() const override;
+    // Section 1: the KArray stream (spare capacity as empty slots), then
+    // usedSize, growSize and minSize.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     // Lowers the used count to `n` when it exceeds it.
     void setSize(int32_t n) override;
@@ -51,6 +56,7 @@ private:
     // when the bag could not grow.
     bool openSlot(int32_t pos);
     void shrinkIfSparse();
+    void readCounts(KFile& file, int32_t slotsInStream);
 
     int32_t usedSize = 0;
     int32_t growSize = 1;

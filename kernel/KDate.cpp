@@ -1,7 +1,11 @@
 #include "kernel/KDate.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KClassWriter.h"
 #include "kernel/KDateTimeSupport.h"
+#include "kernel/KFile.h"
+#include "kernel/KJsonWriter.h"
+#include "kernel/KStreamReading.h"
 
 #include <cstdio>
 
@@ -104,3 +108,33 @@ void KDate::setToday()
 }
 
 int16_t KDate::getDayOfWeek() { return int16_t(KDateTimeSupport::localNow().tm_wday); }
+
+// Persistence.
+
+void KDate::writeToFile(KFile& file, int32_t)
+{
+    KClassWriter writer;
+    writer.begin(file, classRecord);
+    writer.newSection(1);
+    file.writeShort(year);
+    file.writeShort(month);
+    file.writeShort(day);
+    writer.end();
+}
+
+void KDate::readFromFile(KFile& file)
+{
+    setDate(0, 0, 0);
+    KStreamReading::readMainSection(file, classRecord, [&](int32_t) {
+        year = file.readShort();
+        month = file.readShort();
+        day = file.readShort();
+    });
+}
+
+void KDate::describe(KJsonWriter& out) const
+{
+    out.member("year", year);
+    out.member("month", month);
+    out.member("day", day);
+}

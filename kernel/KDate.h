@@ -13,6 +13,10 @@ public:
     KDate& operator=(const KDate& other);
 
     KThing* deepCopy() const override;
+    // Section 1: short year, month, day.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     void setDate(int16_t year, int16_t month, int16_t day);
     // Any of the pointers may be null.

@@ -6,6 +6,7 @@
 #include "kernel/KDiskObjectStreams.h"
 #include "kernel/KErrorHandler.h"
 #include "kernel/KFile.h"
+#include "kernel/KJsonWriter.h"
 #include "kernel/native/KNativeFiles.h"
 
 K_DEFINE_CLASS(KDiskObjectReference, KThing)
@@ -164,4 +165,14 @@ void KDiskObjectReference::readFromFile(KFile& file)
         path.readFromFile(file);
     }
     reader.end();
+}
+
+void KDiskObjectReference::describe(KJsonWriter& out) const
+{
+    out.member("kind", kind);
+    out.objectMember("creationDate", &creationDate);
+    out.objectMember("modificationDate", &modificationDate);
+    out.objectMember("creationTime", &creationTime);
+    out.objectMember("modificationTime", &modificationTime);
+    out.objectMember("path", &path);
 }

@@ -22,6 +22,7 @@ public:
     KThing* deepCopy() const override;
     void readFromFile(KFile& file) override;
     void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     // Slot 10: brings validity and dates up to date after a change of path.
     virtual void refresh();

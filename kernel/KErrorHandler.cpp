@@ -103,6 +103,7 @@ void KErrorHandler::clearLastError() { state().lastError = 0; }
 void KErrorHandler::setErrorMode(int32_t mode) { state().mode = mode; }
 int32_t KErrorHandler::getErrorMode() { return state().mode; }
 void KErrorHandler::setErrorProc(ErrorProc proc) { state().errorProc = proc; }
+KErrorHandler::ErrorProc KErrorHandler::getErrorProc() { return state().errorProc; }
 void KErrorHandler::clearErrorProc() { state().errorProc = nullptr; }
 void KErrorHandler::setErrorLanguage(int32_t language) { state().language = language; }
 

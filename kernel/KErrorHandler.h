@@ -35,6 +35,7 @@ public:
     static void setErrorMode(int32_t mode);
     static int32_t getErrorMode();
     static void setErrorProc(ErrorProc proc);
+    static ErrorProc getErrorProc();
     static void clearErrorProc();
     static void setErrorLanguage(int32_t language);
 

@@ -7,6 +7,7 @@
 #include "kernel/KErrorHandler.h"
 #include "kernel/KFile.h"
 #include "kernel/KFileTypeHandler.h"
+#include "kernel/KJsonWriter.h"
 #include "kernel/native/KNativeFiles.h"
 
 namespace {
@@ -169,4 +170,10 @@ void KFileReference::readFromFile(KFile& file)
     }
     reader.end();
     setKind(KPath::FileKind);
+}
+
+void KFileReference::describe(KJsonWriter& out) const
+{
+    out.member("fileTypeID", fileTypeID);
+    KDiskObjectReference::describe(out);
 }

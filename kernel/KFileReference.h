@@ -16,6 +16,7 @@ public:
     KThing* deepCopy() const override;
     void readFromFile(KFile& file) override;
     void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     // Slots 10 and 11 also look the extension up.
     void refresh() override;

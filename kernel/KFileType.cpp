@@ -5,6 +5,7 @@
 #include "kernel/KClassWriter.h"
 #include "kernel/KDiskObjectStreams.h"
 #include "kernel/KFile.h"
+#include "kernel/KJsonWriter.h"
 
 K_DEFINE_CLASS(KFileType, KThing)
 
@@ -85,4 +86,13 @@ void KFileType::readFromFile(KFile& file)
         id = file.readLong();
     }
     reader.end();
+}
+
+void KFileType::describe(KJsonWriter& out) const
+{
+    out.member("extension", extension);
+    out.member("description", description);
+    out.member("macType", macType);
+    out.member("macCreator", macCreator);
+    out.member("id", id);
 }

@@ -22,6 +22,7 @@ public:
     KThing* deepCopy() const override;
     void readFromFile(KFile& file) override;
     void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     const KString& getExtension() const { return extension; }
     const KString& getDescription() const { return description; }

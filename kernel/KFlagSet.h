@@ -15,6 +15,10 @@ public:
     KFlagSet& operator=(const KFlagSet& other) = default;
 
     KThing* deepCopy() const override;
+    // Section 1: long flags.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     bool operator==(const KFlagSet& other) const { return flags == other.flags; }
     bool operator!=(const KFlagSet& other) const { return flags != other.flags; }

@@ -38,6 +38,9 @@ class KDirectory;
 class KVolume;
 class KFileSystem;
 class KFileType;
+class KDocument;
+class KUnknownObject;
+class KJsonWriter;
 class KTimer;
 class KEvent;
 
@@ -78,3 +81,5 @@ using KDirectoryPtr = KPtr<KDirectory>;
 using KVolumePtr = KPtr<KVolume>;
 using KFileSystemPtr = KPtr<KFileSystem>;
 using KFileTypePtr = KPtr<KFileType>;
+using KDocumentPtr = KPtr<KDocument>;
+using KUnknownObjectPtr = KPtr<KUnknownObject>;

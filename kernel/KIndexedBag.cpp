@@ -1,6 +1,11 @@
 #include "kernel/KIndexedBag.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KClassStreamState.h"
+#include "kernel/KClassWriter.h"
+#include "kernel/KFile.h"
+#include "kernel/KJsonWriter.h"
+#include "kernel/KStreamReading.h"
 #include "kernel/KThingPtr.h"
 
 K_DEFINE_CLASS(KIndexedBag, KThing)
@@ -89,4 +94,67 @@ KThing* KIndexedBag::getObject(int32_t key) const
 {
     int32_t pos;
     return hasKey(key, &pos) ? objects.getAt(pos) : nullptr;
+}
+
+// Persistence.
+
+void KIndexedBag::writeToFile(KFile& file, int32_t version)
+{
+    KClassWriter writer;
+    writer.begin(file, classRecord);
+    writer.newSection(1);
+    keys.writeToFile(file, version);
+    objects.writeToFile(file, version);
+    writer.end();
+}
+
+void KIndexedBag::readFromFile(KFile& file)
+{
+    KStreamReading::readMainSection(file, classRecord, [&](int32_t) { readHalves(file); });
+}
+
+void KIndexedBag::readHalves(KFile& file)
+{
+    // Unlike KNamedBag, the lowered policy is not restored: later unknown
+    // objects of the same load stay as nulls too.
+    if (KClassStreamState::unknownClassPolicy() == KClassStreamState::DropObject)
+        KClassStreamState::setUnknownClassPolicy(KClassStreamState::KeepNullSlot);
+    objects.setNulledOnRead(0);
+    keys.readFromFile(file);
+    objects.readFromFile(file);
+    if (checkHalves(file))
+        removeUnreadEntries();
+}
+
+bool KIndexedBag::checkHalves(KFile& file)
+{
+    if (keys.getIsDirect() && !objects.getIsDirect() && keys.getSize() == objects.getSize())
+        return true;
+    if (!file.getError())
+        file.setError(KError::CouldNotReadFile);
+    keys.setSize(0);
+    objects.setSize(0);
+    keys.setIsDirect(true);
+    objects.setIsDirect(false);
+    return false;
+}
+
+void KIndexedBag::removeUnreadEntries()
+{
+    int32_t pos = 0;
+    while (objects.getSize() > 0 && objects.has(static_cast<const KThing*>(nullptr), &pos))
+        removeAt(pos);
+}
+
+void KIndexedBag::describe(KJsonWriter& out) const
+{
+    out.key("entries");
+    out.beginArray();
+    for (int32_t i = 0; i < getSize(); ++i) {
+        out.beginObject();
+        out.member("key", getKeyAt(i));
+        out.objectMember("value", getObjectAt(i));
+        out.endObject();
+    }
+    out.endArray();
 }

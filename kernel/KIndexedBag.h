@@ -12,6 +12,13 @@ public:
     KIndexedBag& operator=(const KIndexedBag& other);
 
     KThing* deepCopy() const override;
+    // Section 1: the keys' stream, then the objects' stream. Reading lowers
+    // the unknown-class policy from 1 to 0 and leaves it there, so that an
+    // entry of an unknown class keeps its index; such entries are then
+    // removed with their keys.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     // Does nothing when the key is already present.
     void add(int32_t key, KThing& obj);
@@ -37,6 +44,11 @@ public:
     const KBag& getObjects() const { return objects; }
 
 private:
+    void readHalves(KFile& file);
+    // Damaged halves (of the wrong kind or of different lengths) are emptied.
+    bool checkHalves(KFile& file);
+    void removeUnreadEntries();
+
     KBag keys;
     KBag objects;
 };

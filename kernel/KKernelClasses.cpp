@@ -9,6 +9,7 @@
 #include "kernel/KDate.h"
 #include "kernel/KDirectory.h"
 #include "kernel/KDiskObjectReference.h"
+#include "kernel/KDocument.h"
 #include "kernel/KFile.h"
 #include "kernel/KFileReference.h"
 #include "kernel/KFileSystem.h"
@@ -76,4 +77,5 @@ void kRegisterKernelClasses()
     KFile::registerClass();
     KFileSystem::registerClass();
     KFileType::registerClass();
+    KDocument::registerClass();
 }

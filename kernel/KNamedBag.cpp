@@ -1,7 +1,12 @@
 #include "kernel/KNamedBag.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KClassStreamState.h"
+#include "kernel/KClassWriter.h"
 #include "kernel/KErrorHandler.h"
+#include "kernel/KFile.h"
+#include "kernel/KJsonWriter.h"
+#include "kernel/KStreamReading.h"
 #include "kernel/KString.h"
 #include "kernel/KThingPtr.h"
 
@@ -146,3 +151,67 @@ KThing& KNamedBag::getNamedObject(const KString& key) const
 }
 
 KString* KNamedBag::getKeyAt(int32_t pos) const { return dynamic_cast<KString*>(keys.getAt(pos)); }
+
+// Persistence.
+
+void KNamedBag::writeToFile(KFile& file, int32_t version)
+{
+    KClassWriter writer;
+    writer.begin(file, classRecord);
+    writer.newSection(1);
+    keys.writeToFile(file, version);
+    objects.writeToFile(file, version);
+    writer.end();
+}
+
+void KNamedBag::readFromFile(KFile& file)
+{
+    KStreamReading::readMainSection(file, classRecord, [&](int32_t) { readHalves(file); });
+}
+
+void KNamedBag::readHalves(KFile& file)
+{
+    int32_t policy = KClassStreamState::unknownClassPolicy();
+    KUnknownClassPolicyGuard lowered(policy == KClassStreamState::DropObject ? KClassStreamState::KeepNullSlot : policy);
+    objects.setNulledOnRead(0);
+    keys.readFromFile(file);
+    objects.readFromFile(file);
+    if (checkHalves(file))
+        removeUnreadEntries();
+}
+
+bool KNamedBag::checkHalves(KFile& file)
+{
+    if (!keys.getIsDirect() && !objects.getIsDirect() && keys.getSize() == objects.getSize())
+        return true;
+    if (!file.getError())
+        file.setError(KError::CouldNotReadFile);
+    keys.setSize(0);
+    objects.setSize(0);
+    keys.setIsDirect(false);
+    objects.setIsDirect(false);
+    return false;
+}
+
+void KNamedBag::removeUnreadEntries()
+{
+    int32_t pos = 0;
+    while (objects.getSize() > 0 && objects.has(static_cast<const KThing*>(nullptr), &pos))
+        removeAt(pos);
+}
+
+void KNamedBag::describe(KJsonWriter& out) const
+{
+    out.key("entries");
+    out.beginArray();
+    for (int32_t i = 0; i < getSize(); ++i) {
+        out.beginObject();
+        if (KString* name = getKeyAt(i))
+            out.member("key", *name);
+        else
+            out.objectMember("key", keys.getAt(i));
+        out.objectMember("value", getObjectAt(i));
+        out.endObject();
+    }
+    out.endArray();
+}

@@ -14,6 +14,13 @@ public:
     KNamedBag& operator=(const KNamedBag& other);
 
     KThing* deepCopy() const override;
+    // Section 1: the keys' stream, then the objects' stream. Reading lowers
+    // the unknown-class policy from 1 to 0 for its duration, so that an entry
+    // of an unknown class keeps its index; such entries are then removed
+    // with their keys.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     void setCaseSensitive(bool sensitive) { caseSensitive = sensitive; }
     bool isCaseSensitive() const { return caseSensitive; }
@@ -50,6 +57,11 @@ public:
     const KBag& getObjects() const { return objects; }
 
 private:
+    void readHalves(KFile& file);
+    // Damaged halves (of the wrong kind or of different lengths) are emptied.
+    bool checkHalves(KFile& file);
+    void removeUnreadEntries();
+
     // `probe` is the key as compared: upper-cased when not case sensitive.
     bool keyMatches(int32_t pos, const KString& probe) const;
     KString probeFor(const KString& key) const;

@@ -1,6 +1,10 @@
 #include "kernel/KNumber.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KClassWriter.h"
+#include "kernel/KFile.h"
+#include "kernel/KJsonWriter.h"
+#include "kernel/KStreamReading.h"
 #include "kernel/KThingPtr.h"
 
 #include <cmath>
@@ -122,3 +126,22 @@ KNumberPtr KNumber::arcTangent2(double x) const { return make(std::atan2(value, 
 KNumberPtr KNumber::hypotenuse(double other) const { return make(std::hypot(value, other)); }
 KNumberPtr KNumber::minimum(double other) const { return make(std::fmin(value, other)); }
 KNumberPtr KNumber::maximum(double other) const { return make(std::fmax(value, other)); }
+
+// Persistence.
+
+void KNumber::writeToFile(KFile& file, int32_t)
+{
+    KClassWriter writer;
+    writer.begin(file, classRecord);
+    writer.newSection(1);
+    file.writeDouble(value);
+    writer.end();
+}
+
+void KNumber::readFromFile(KFile& file)
+{
+    value = 0.0;
+    KStreamReading::readMainSection(file, classRecord, [&](int32_t) { value = file.readDouble(); });
+}
+
+void KNumber::describe(KJsonWriter& out) const { out.member("value", value); }

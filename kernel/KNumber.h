@@ -21,6 +21,10 @@ public:
     KNumber& operator=(int32_t value);
 
     KThing* deepCopy() const override;
+    // Section 1: double value.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     double getValue() const { return value; }
     void setValue(double newValue) { value = newValue; }

@@ -4,6 +4,7 @@
 #include "kernel/KClassReader.h"
 #include "kernel/KClassWriter.h"
 #include "kernel/KDiskObjectStreams.h"
+#include "kernel/KJsonWriter.h"
 #include "kernel/native/KNativeFiles.h"
 
 #include <string>
@@ -387,4 +388,17 @@ void KPath::readFromFile(KFile& file)
         }
     }
     reader.end();
+}
+
+void KPath::describe(KJsonWriter& out) const
+{
+    out.member("volume", volume);
+    out.key("folders");
+    out.beginArray();
+    for (const KStringPtr& folder : folders)
+        out.value(*folder);
+    out.endArray();
+    out.member("name", name);
+    out.member("extension", extension);
+    out.member("server", server);
 }

@@ -40,6 +40,7 @@ public:
     KThing* deepCopy() const override;
     void readFromFile(KFile& file) override;
     void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     void setFromText(const KString& text, int32_t platform);
     void getText(KString& out, int32_t platform, int32_t form) const;

@@ -1,8 +1,12 @@
 #include "kernel/KSet.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KClassWriter.h"
 #include "kernel/KErrorHandler.h"
+#include "kernel/KFile.h"
+#include "kernel/KJsonWriter.h"
 #include "kernel/KMemory.h"
+#include "kernel/KStreamReading.h"
 
 K_DEFINE_CLASS(KSet, KThing)
 
@@ -80,3 +84,31 @@ bool KSet::has(int32_t index) const
 }
 
 void KSet::clear() { KMemory::clear(bits, size_t(wordCount) * sizeof(uint32_t)); }
+
+// Persistence.
+
+void KSet::writeToFile(KFile& file, int32_t)
+{
+    KClassWriter writer;
+    writer.begin(file, classRecord);
+    writer.newSection(1);
+    file.writeLong(capacity);
+    writer.end();
+}
+
+void KSet::readFromFile(KFile& file)
+{
+    KStreamReading::readMainSection(file, classRecord, [&](int32_t) {
+        int32_t bits = file.readLong();
+        if (file.getError())
+            return;
+        // A copy allocates by the capacity: a negative one is damage.
+        if (bits < 0) {
+            file.setError(KError::CouldNotReadFile);
+            return;
+        }
+        setCapacityField(bits);
+    });
+}
+
+void KSet::describe(KJsonWriter& out) const { out.member("capacity", capacity); }

@@ -16,6 +16,11 @@ public:
     KSet& operator=(const KSet& other);
 
     KThing* deepCopy() const override;
+    // Section 1: long capacity only. The bits are not stored, and reading
+    // sets the field without reallocating.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     // Drops the old contents.
     void setCapacity(int32_t bits);

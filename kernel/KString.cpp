@@ -1,7 +1,11 @@
 #include "kernel/KString.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KClassWriter.h"
+#include "kernel/KFile.h"
+#include "kernel/KJsonWriter.h"
 #include "kernel/KMemory.h"
+#include "kernel/KStreamReading.h"
 
 #include <cmath>
 #include <cstdio>
@@ -740,3 +744,32 @@ void KString::convertToCharSet(int32_t set)
 int32_t KString::liveStrings() { return gLiveStrings; }
 
 int32_t KString::charSetOfPlatform(int32_t platform) { return platform == Windows ? WindowsSet : MacintoshSet; }
+
+// Persistence.
+
+void KString::writeToFile(KFile& file, int32_t)
+{
+    KClassWriter writer;
+    writer.begin(file, classRecord);
+    writer.newSection(1);
+    file.writeShort(int16_t(charSet));
+    file.writeCountedText(text, length);
+    writer.end();
+}
+
+void KString::readFromFile(KFile& file)
+{
+    clear();
+    KStreamReading::readMainSection(file, classRecord, [&](int32_t) {
+        int16_t set = file.readShort();
+        file.readCountedText(*this);
+        charSet = set;
+        convertToHostCharSet();
+    });
+}
+
+void KString::describe(KJsonWriter& out) const
+{
+    out.member("charSet", charSet);
+    out.member("text", *this);
+}

@@ -30,6 +30,11 @@ public:
     KString& operator=(const char* text);
 
     KThing* deepCopy() const override;
+    // Section 1: short charSet, long length, then (when not empty) the
+    // text and its terminator. Text in another set is converted on reading.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     int32_t getLength() const { return length; }
     const char* getText() const { return text; }

@@ -117,6 +117,8 @@ void KThing::idle() { }
 
 bool KThing::isClassRegistered() const { return classRecord != nullptr; }
 
+void KThing::describe(KJsonWriter&) const { }
+
 void KThing::incReferenceCount()
 {
     if (!isOnHeap()) {

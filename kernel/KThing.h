@@ -41,6 +41,10 @@ public:
     virtual void idle();
     // Slot 9.
     virtual bool isClassRegistered() const;
+    // Writes the object's fields as members of the JSON object the writer
+    // has open, for the document inspector. Each class adds its own fields
+    // after its base's; the default has none.
+    virtual void describe(KJsonWriter& out) const;
 
     void incReferenceCount();
     void decReferenceCount();

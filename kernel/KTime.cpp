@@ -1,7 +1,11 @@
 #include "kernel/KTime.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KClassWriter.h"
 #include "kernel/KDateTimeSupport.h"
+#include "kernel/KFile.h"
+#include "kernel/KJsonWriter.h"
+#include "kernel/KStreamReading.h"
 
 #include <cstdio>
 
@@ -101,4 +105,34 @@ void KTime::setNow()
 {
     std::tm now = KDateTimeSupport::localNow();
     setTime(int16_t(now.tm_hour), int16_t(now.tm_min), int16_t(now.tm_sec));
+}
+
+// Persistence.
+
+void KTime::writeToFile(KFile& file, int32_t)
+{
+    KClassWriter writer;
+    writer.begin(file, classRecord);
+    writer.newSection(1);
+    file.writeShort(hour);
+    file.writeShort(minute);
+    file.writeShort(second);
+    writer.end();
+}
+
+void KTime::readFromFile(KFile& file)
+{
+    setTime(0, 0, 0);
+    KStreamReading::readMainSection(file, classRecord, [&](int32_t) {
+        hour = file.readShort();
+        minute = file.readShort();
+        second = file.readShort();
+    });
+}
+
+void KTime::describe(KJsonWriter& out) const
+{
+    out.member("hour", hour);
+    out.member("minute", minute);
+    out.member("second", second);
 }

@@ -13,6 +13,10 @@ public:
     KTime& operator=(const KTime& other);
 
     KThing* deepCopy() const override;
+    // Section 1: short hour, minute, second.
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     void setTime(int16_t hour, int16_t minute, int16_t second);
     // Any of the pointers may be null.

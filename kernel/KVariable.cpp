@@ -1,7 +1,11 @@
 #include "kernel/KVariable.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KClassWriter.h"
 #include "kernel/KErrorHandler.h"
+#include "kernel/KFile.h"
+#include "kernel/KJsonWriter.h"
+#include "kernel/KStreamReading.h"
 
 K_DEFINE_CLASS(KVariable, KThing)
 
@@ -103,3 +107,164 @@ void KVariable::setObject(KThing& value)
 }
 
 void KVariable::clearObject() { object.clear(); }
+
+// Persistence.
+
+namespace {
+
+constexpr const char* kReadLocation = "void KVariable::readFromFile(KFile& F)";
+constexpr const char* kWriteLocation = "void KVariable::writeToFile(KFile& F, long Ver)";
+
+} // namespace
+
+void KVariable::writeToFile(KFile& file, int32_t version)
+{
+    KClassWriter writer;
+    writer.begin(file, classRecord);
+    writer.newSection(1);
+    file.writeShort(int16_t(type));
+    switch (type) {
+    case CharType:
+    case UnsignedCharType:
+        file.writeByte(getUnsignedChar());
+        break;
+    case BoolType:
+        file.writeBool(getBool());
+        break;
+    case ShortType:
+    case UnsignedShortType:
+        file.writeShort(getShort());
+        break;
+    case LongType:
+    case UnsignedLongType:
+        file.writeLong(getLong());
+        break;
+    case FloatType:
+        file.writeFloat(getFloat());
+        break;
+    case DoubleType:
+        file.writeDouble(getDouble());
+        break;
+    case StringType:
+        // A reader always expects the stream, so a missing string is
+        // written as an empty one.
+        if (KString* held = getStringObject())
+            held->writeToFile(file, version);
+        else
+            KString().writeToFile(file, version);
+        break;
+    case ObjectType:
+        // A missing object is written as the null of the reference convention.
+        KClassWriter::writeObject(file, getObject(), kWriteLocation);
+        break;
+    default:
+        break;
+    }
+    writer.end();
+}
+
+void KVariable::readFromFile(KFile& file)
+{
+    store(LongType, int32_t(0));
+    KStreamReading::readMainSection(file, classRecord, [&](int32_t) { readValue(file); });
+}
+
+void KVariable::readValue(KFile& file)
+{
+    int16_t tag = file.readShort();
+    if (file.getError())
+        return;
+    switch (tag) {
+    case CharType:
+        setChar(static_cast<signed char>(file.readByte()));
+        break;
+    case BoolType:
+        setBool(file.readBool());
+        break;
+    case ShortType:
+        setShort(file.readShort());
+        break;
+    case LongType:
+        setLong(file.readLong());
+        break;
+    case FloatType:
+        setFloat(file.readFloat());
+        break;
+    case DoubleType:
+        setDouble(file.readDouble());
+        break;
+    case StringType: {
+        KStringPtr text = kAdopt(new KString());
+        text->readFromFile(file);
+        setString(*text);
+        break;
+    }
+    case ObjectType:
+        readObjectValue(file);
+        break;
+    case UnsignedCharType:
+        setUnsignedChar(file.readByte());
+        break;
+    case UnsignedShortType:
+        setUnsignedShort(uint16_t(file.readShort()));
+        break;
+    case UnsignedLongType:
+        setUnsignedLong(uint32_t(file.readLong()));
+        break;
+    default:
+        file.setError(KError::CouldNotReadFile);
+        break;
+    }
+}
+
+void KVariable::readObjectValue(KFile& file)
+{
+    // An unknown class follows the unknown-class policy like an array
+    // element: the variable keeps tag 7 without an object.
+    KThingPtr read;
+    KStreamReading::readObject(file, read, kReadLocation);
+    if (read)
+        setObject(read.getObject());
+    else
+        store(ObjectType, int32_t(0));
+}
+
+void KVariable::describe(KJsonWriter& out) const
+{
+    out.member("type", type);
+    switch (type) {
+    case CharType:
+        out.member("value", int32_t(getChar()));
+        break;
+    case BoolType:
+        out.member("value", getBool());
+        break;
+    case ShortType:
+        out.member("value", int32_t(getShort()));
+        break;
+    case LongType:
+        out.member("value", getLong());
+        break;
+    case FloatType:
+        out.member("value", double(getFloat()));
+        break;
+    case DoubleType:
+        out.member("value", getDouble());
+        break;
+    case StringType:
+    case ObjectType:
+        out.objectMember("object", object.get());
+        break;
+    case UnsignedCharType:
+        out.member("value", int32_t(getUnsignedChar()));
+        break;
+    case UnsignedShortType:
+        out.member("value", int32_t(getUnsignedShort()));
+        break;
+    case UnsignedLongType:
+        out.member("value", getUnsignedLong());
+        break;
+    default:
+        break;
+    }
+}

@@ -50,6 +50,11 @@ public:
     // A new variable of the same tag and value; a string is copied, an
     // object of tag 7 is shared.
     KThing* deepCopy() const override;
+    // Section 1: short type, then the value by tag: a KString stream for 6,
+    // the object reference convention for 7 (class id 0 for no object).
+    void readFromFile(KFile& file) override;
+    void writeToFile(KFile& file, int32_t version) override;
+    void describe(KJsonWriter& out) const override;
 
     int32_t getType() const { return type; }
     void setType(int32_t newType) { type = newType; }
@@ -92,6 +97,9 @@ public:
     const unsigned char* getBytes() const { return bytes; }
 
 private:
+    void readValue(KFile& file);
+    void readObjectValue(KFile& file);
+
     template<class T>
     T read() const
     {

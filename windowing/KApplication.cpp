@@ -2,10 +2,12 @@
 
 #include "kernel/KClass.h"
 #include "kernel/KErrorHandler.h"
+#include "kernel/KFileTypeHandler.h"
 #include "windowing/KApplicationEvent.h"
 #include "windowing/KCommandLine.h"
 #include "windowing/KEvent.h"
 #include "windowing/KEventTranslator.h"
+#include "windowing/KMailslot.h"
 #include "windowing/KMenuEvent.h"
 #include "windowing/KNativeLayer.h"
 #include "windowing/KServices.h"
@@ -13,6 +15,7 @@
 #include "windowing/KWindow.h"
 #include "windowing/KWindowManager.h"
 #include "windowing/KWindowingClasses.h"
+#include "windowing/KWindowingServices.h"
 
 #include <string>
 
@@ -49,6 +52,8 @@ KApplication::KApplication()
     name = "KApplication";
     buildDate = __DATE__;
     kRegisterWindowingClasses();
+    kRegisterFrameworkFileTypes();
+    kInstallWindowingServices();
     KErrorHandler::setFatalProc(&applicationFatalError);
     clearQueue();
     kksResetTranslator();
@@ -61,6 +66,7 @@ KApplication::~KApplication()
     if (gApplication == this) {
         gApplication = nullptr;
         clearQueue();
+        closeMailslot();
     }
 }
 
@@ -68,7 +74,12 @@ KApplication* KApplication::current() { return gApplication; }
 
 const KString& KApplication::getName() const { return name; }
 
-void KApplication::setName(const KString& text) { name = text; }
+// The name is also the name of the program's message slot.
+void KApplication::setName(const KString& text)
+{
+    name = text;
+    setMailslotName(name);
+}
 
 // Start, loop, shut-down. Each step depends on the ones before it: the main
 // window needs the window manager, doInit needs the managers, and shut-down

@@ -17,6 +17,7 @@ public:
         Running = 1,
         Active = 2,
         SplashOpen = 4,
+        ToolTips = 8,
         NeverBlock = 16,
     };
     enum State : int32_t {

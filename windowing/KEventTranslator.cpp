@@ -272,6 +272,10 @@ KEvent* translate(const KNativeRecord& record)
         return keyDownEvent(record);
     case Message::Char:
         return characterEvent(record);
+    case Message::Command:
+        // From a control the record names its widget; a menu's goes to
+        // the menus' own handler.
+        return record.param2 != 0 ? new KNativeEvent(record) : otherMessage(record);
     case Message::Timer:
         KNativeLayer::get().wakeUp();
         return nullptr;

@@ -39,10 +39,10 @@ public:
     void setModifiers(int32_t value) { modifiers = value; }
 
     KEventReturn process() override;
-
-private:
+    // The route of the application's handlers, by type.
     KEventReturn processByApplication();
 
+private:
     KWindowPtr window;
     int32_t keyCode = 0;
     int32_t modifiers = 0;

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "windowing/KEvent.h"
+#include "windowing/KInteractiveElement.h"
+#include "windowing/KLayer.h"
 
 // A point of a mouse event, in window (local) or screen (global) terms.
 struct KEventPoint {
@@ -33,13 +35,22 @@ public:
     void setModifiers(int32_t value) { modifiers = value; }
     int32_t getClickFlags() const { return clickFlags; }
     void setClickFlags(int32_t value) { clickFlags = value; }
+    bool isDoubleClick() const { return (clickFlags & DoubleClick) != 0; }
+    // The layer an enter or leave concerns, and the element within it.
+    KLayer* getLayer() const { return layer.get(); }
+    void setLayer(KLayer* value) { layer = value; }
+    KInteractiveElement* getElement() const { return element.get(); }
+    void setElement(KInteractiveElement* value) { element = value; }
+
+    // The route of the application's handlers, by type.
+    KEventReturn processByApplication();
 
     KEventReturn process() override;
 
 private:
-    KEventReturn processByApplication();
-
     KWindowPtr window;
+    KLayerPtr layer;
+    KInteractiveElementPtr element;
     KEventPoint local;
     KEventPoint global;
     int32_t button = NoButton;

@@ -4,6 +4,8 @@
 #include "windowing/KApplication.h"
 #include "windowing/KServices.h"
 
+#include <cstdio>
+
 namespace {
 
 KNativeLayer* gLayer = nullptr;
@@ -17,6 +19,68 @@ KNativeLayer::~KNativeLayer()
 }
 
 bool KNativeLayer::droppedFile(int32_t, char*, int32_t) { return false; }
+
+// Without a display there is nothing to show, stack or choose from: the
+// defaults do nothing and refuse what must be refused.
+void KNativeLayer::setWindowBounds(void*, const KNativeRect&) { }
+void KNativeLayer::restackWindows(const std::vector<void*>&) { }
+void KNativeLayer::setWindowEnabled(void*, bool) { }
+void KNativeLayer::setWindowModal(void*, bool) { }
+void KNativeLayer::invalidateWindow(void*, const KNativeRect&) { }
+void KNativeLayer::setWindowTooltip(void*, const char*) { }
+
+void KNativeLayer::screenSize(int32_t& width, int32_t& height) const
+{
+    width = 1280;
+    height = 1024;
+}
+
+void* KNativeLayer::createControl(void*, const KNativeControlSpec&) { return nullptr; }
+void KNativeLayer::destroyControl(void*) { }
+void KNativeLayer::setControlBounds(void*, const KNativeRect&) { }
+void KNativeLayer::setControlText(void*, const char*) { }
+void KNativeLayer::setControlEnabled(void*, bool) { }
+void KNativeLayer::setControlVisible(void*, bool) { }
+
+void KNativeLayer::setCursorShape(int32_t) { }
+void KNativeLayer::setCursorVisible(bool) { }
+
+bool KNativeLayer::setClipboard(const KNativeClipboardContent&) { return false; }
+bool KNativeLayer::clipboardHasFormat(const char*) { return false; }
+bool KNativeLayer::clipboardText(std::string&) { return false; }
+bool KNativeLayer::clipboardImage(KNativeImageData&) { return false; }
+bool KNativeLayer::clipboardData(const char*, std::vector<uint8_t>&) { return false; }
+void KNativeLayer::storeClipboard() { }
+
+bool KNativeLayer::chooseFile(const KNativeChooserSpec&, std::string&) { return false; }
+bool KNativeLayer::chooseColour(const char*, KNativeColour&) { return false; }
+
+// A box nobody can see takes its default answer; the text still reaches
+// the terminal.
+int32_t KNativeLayer::messageBox(const KNativeAlertSpec& alert)
+{
+    std::fprintf(stderr, "%s: %s\n", alert.title.c_str(), alert.text.c_str());
+    switch (alert.style) {
+    case KNativeAlertSpec::YesNo:
+        return KNativeAnswer::Yes;
+    case KNativeAlertSpec::YesNoDefaultNo:
+        return KNativeAnswer::No;
+    case KNativeAlertSpec::YesNoCancel:
+        return KNativeAnswer::Cancel;
+    case KNativeAlertSpec::OkCancel:
+        return KNativeAnswer::Cancel;
+    default:
+        return KNativeAnswer::Ok;
+    }
+}
+
+void KNativeLayer::beep() { }
+
+bool KNativeLayer::openMessageSlot(const char*) { return false; }
+void KNativeLayer::closeMessageSlot() { }
+int32_t KNativeLayer::nextSlotMessageSize() { return -1; }
+int32_t KNativeLayer::readSlotMessage(char*, int32_t) { return -1; }
+bool KNativeLayer::sendSlotMessages(const char*, const std::vector<std::string>&) { return false; }
 
 void KNativeLayer::install(KNativeLayer* layer) { gLayer = layer; }
 

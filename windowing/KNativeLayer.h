@@ -1,8 +1,11 @@
 #pragma once
 
+#include "windowing/KNativeTypes.h"
 #include "windowing/KWindowingForward.h"
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 // The flat list of operations the framework asks of the platform. Everything
 // above it is platform free. One layer is installed for the whole process;
@@ -40,11 +43,77 @@ public:
     virtual bool cursorPosition(int32_t& x, int32_t& y) = 0;
     virtual bool hasDisplay() const = 0;
 
-    // Top-level windows. A handle is null when the window could not be made.
-    virtual void* openWindow(KWindow& owner, const char* title, int32_t width, int32_t height) = 0;
+    // --- Windows ---------------------------------------------------------------
+    // A handle is null when the window could not be made. The window's
+    // device is its back buffer: the native side shows it and asks the
+    // window to paint through Paint records.
+    virtual void* openWindow(KWindow& owner, const KNativeWindowSpec& spec) = 0;
     virtual void closeWindow(void* handle) = 0;
     virtual void showWindow(void* handle, bool visible) = 0;
     virtual void setWindowTitle(void* handle, const char* title) = 0;
+    // Moves and sizes the client area (screen terms).
+    virtual void setWindowBounds(void* handle, const KNativeRect& client);
+    // Stacks the windows so that the last is in front.
+    virtual void restackWindows(const std::vector<void*>& backToFront);
+    // A disabled window takes no input.
+    virtual void setWindowEnabled(void* handle, bool enabled);
+    virtual void setWindowModal(void* handle, bool modal);
+    // Asks for the area (client terms) to be shown again from the back
+    // buffer.
+    virtual void invalidateWindow(void* handle, const KNativeRect& area);
+    // The hover hint of a window; null or empty removes it.
+    virtual void setWindowTooltip(void* handle, const char* text);
+    virtual void screenSize(int32_t& width, int32_t& height) const;
+
+    // --- Controls -----------------------------------------------------------
+    // Native widgets placed at pixel positions over a window's client area.
+    // Their notifications come as Command records with the spec's tag.
+    virtual void* createControl(void* window, const KNativeControlSpec& spec);
+    virtual void destroyControl(void* control);
+    virtual void setControlBounds(void* control, const KNativeRect& bounds);
+    virtual void setControlText(void* control, const char* text);
+    virtual void setControlEnabled(void* control, bool enabled);
+    virtual void setControlVisible(void* control, bool visible);
+
+    // --- Pointer ------------------------------------------------------------
+    // The longest time between two presses of a double click, and the
+    // distance within which they count as one place.
+    virtual int32_t doubleClickTime() const { return 500; }
+    virtual int32_t doubleClickDistance() const { return 4; }
+    virtual void setCursorShape(int32_t shape);
+    virtual void setCursorVisible(bool visible);
+
+    // --- Clipboard ------------------------------------------------------------
+    // Replaces the clipboard's content; false when there is no clipboard.
+    virtual bool setClipboard(const KNativeClipboardContent& content);
+    // kClipboardText, kClipboardImage or a private format's name.
+    virtual bool clipboardHasFormat(const char* format);
+    virtual bool clipboardText(std::string& text);
+    virtual bool clipboardImage(KNativeImageData& image);
+    virtual bool clipboardData(const char* format, std::vector<uint8_t>& data);
+    // Hands the program's clipboard to the system, so that it outlives the
+    // program.
+    virtual void storeClipboard();
+
+    // --- Choosers and boxes -----------------------------------------------------
+    // False when the user cancels (or nothing can be shown); the path is
+    // then untouched.
+    virtual bool chooseFile(const KNativeChooserSpec& spec, std::string& path);
+    virtual bool chooseColour(const char* title, KNativeColour& colour);
+    // One of KNativeAnswer.
+    virtual int32_t messageBox(const KNativeAlertSpec& alert);
+    virtual void beep();
+
+    // --- The local message channel -----------------------------------------------
+    // Messages keep their boundaries and are at most 128 bytes.
+    virtual bool openMessageSlot(const char* name);
+    virtual void closeMessageSlot();
+    // The size of the next message, or -1 when there is none.
+    virtual int32_t nextSlotMessageSize();
+    // Reads the next message into the buffer; its size, or -1.
+    virtual int32_t readSlotMessage(char* buffer, int32_t size);
+    // Sends the messages in order to the slot of that name.
+    virtual bool sendSlotMessages(const char* name, const std::vector<std::string>& messages);
 
     // The first file of a drop that a DropFiles message names; false when the
     // drop is unknown or empty.

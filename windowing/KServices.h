@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kernel/KString.h"
 #include "windowing/KWindowingForward.h"
 
 #include <cstdint>
@@ -61,6 +62,14 @@ struct KServices {
     KEventReturn (*nativeMessage)(const KNativeRecord& record) = nullptr;
     // The native-only part of a KNativeEvent (paint details, owner draw, ...).
     KEventReturn (*nativeEvent)(KNativeEvent& event) = nullptr;
+    // The menus' share of the native-only messages (owner-drawn items and
+    // their measures), asked for what the windows leave unhandled.
+    KEventReturn (*menuNativeEvent)(KNativeEvent& event) = nullptr;
+    // Turns the menus off while a modal dialog is up and on again when the
+    // last one closes.
+    void (*enableMenus)(bool enabled) = nullptr;
+    // The text of an English key in the current language.
+    KString (*translate)(const char* key) = nullptr;
 };
 
 KServices& kServices();
@@ -70,3 +79,7 @@ inline bool kServiceExists(KServices::Manager manager)
     auto exists = kServices().managers[manager].exists;
     return exists && exists();
 }
+
+// The text of an English key in the current language; the key itself while
+// no localizer is there.
+KString kTranslate(const char* key);

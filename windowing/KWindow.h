@@ -1,28 +1,44 @@
 #pragma once
 
+#include "graphics/KGraphicDevice.h"
+#include "graphics/KGraphicSize.h"
 #include "kernel/KString.h"
 #include "kernel/KThingPtr.h"
+#include "windowing/KNativeTypes.h"
 #include "windowing/KWindowingForward.h"
 
-// A top-level window in a native frame. It is opened and closed through the
-// native layer, and the events of its frame reach it through the do...
-// operations, whose defaults do nothing but agree to a close.
-class KWindow : public KThing {
+#include <vector>
+
+// A drawing surface in a native frame. The window's device is its back
+// buffer: drawing on it marks the changed area for the native side, which
+// shows the buffer. Its layers, the last one topmost, get the mouse and
+// paint events before the window itself; the do... operations do nothing
+// by default but agree to a close.
+class KWindow : public KGraphicDevice {
     K_DECLARE_CLASS(KWindow)
 public:
     enum OpenMode : int32_t { Normal = 0, Hidden = 1 };
     enum StateFlag : int32_t { IsOpen = 1, HiddenAtOpen = 2 };
-
-    struct Bounds {
-        int32_t x = 0;
-        int32_t y = 0;
-        int32_t width = 0;
-        int32_t height = 0;
+    enum WindowFlag : int32_t {
+        Closable = 8,
+        Resizable = 16,
+        InputOff = 32,
+        HasMenuBar = 64,
+        MenuStrip = 1024,
     };
+    // The stacking tiers, back to front: palettes float over the normal
+    // windows, modal dialogs over the palettes.
+    enum Tier : int32_t { NormalTier = 0, PaletteTier = 1, ModalTier = 2 };
+    static constexpr int32_t kDeviceOwner = 1;
 
     KWindow();
     ~KWindow() override;
 
+    virtual KGraphicSize getMinimumSize() const;
+    virtual KGraphicSize getMaximumSize() const;
+    // The window's rectangle on the screen. Frames are drawn by the
+    // desktop, so it is the client area.
+    virtual KGraphicRectangle getFrame() const;
     virtual void open(int32_t mode);
     virtual void close();
     virtual void show(bool visible);
@@ -33,35 +49,90 @@ public:
     virtual KEventReturn doClose(KWindowEvent& event);
     virtual KEventReturn doActivate(KWindowEvent& event);
     virtual KEventReturn doDeactivate(KWindowEvent& event);
+    virtual KEventReturn doAction(KActionEvent& event);
+    virtual KEventReturn doControlAction(KControlActionEvent& event);
+    virtual KEventReturn doKeyDown(KKeyEvent& event);
+    virtual KEventReturn doKeyUp(KKeyEvent& event);
+    virtual KEventReturn doKeyRepeat(KKeyEvent& event);
+    virtual KEventReturn doMouseEnter(KMouseEvent& event);
+    virtual KEventReturn doMouseLeave(KMouseEvent& event);
+    virtual KEventReturn doMouseDown(KMouseEvent& event);
+    virtual KEventReturn doMouseMoved(KMouseEvent& event);
+    virtual KEventReturn doMouseOther(KMouseEvent& event);
+    virtual KEventReturn doMouseUp(KMouseEvent& event);
     virtual KEventReturn doMoved(KWindowEvent& event);
     virtual KEventReturn doResized(KWindowEvent& event);
+
+    virtual int32_t getTier() const { return NormalTier; }
+    virtual bool isModal() const { return false; }
+
+    // A paint request: the window's doPaint, then its layers from the
+    // first up, until a layer answers non-zero. Returns doPaint's answer.
+    KEventReturn paint(KWindowEvent& event);
 
     bool isOpen() const { return (stateFlags & IsOpen) != 0; }
     bool isVisible() const { return visible; }
     int32_t getStateFlags() const { return stateFlags; }
+    int32_t getWindowFlags() const { return windowFlags; }
+    void setWindowFlags(int32_t flags) { windowFlags = flags; }
+    bool hasWindowFlag(int32_t flag) const { return (windowFlags & flag) != 0; }
+    // A disabled window takes no input; the window manager disables the
+    // windows behind a modal dialog.
+    void setEnabled(bool enabled);
+    bool isEnabled() const { return !hasWindowFlag(InputOff); }
 
     void setTitle(const KString& text);
     const KString& getTitle() const { return title; }
-    // The frame the native window is opened with; moves and resizes of the
-    // native window update the client bounds.
-    void setFrame(const Bounds& frame);
-    const Bounds& getFrame() const { return frameBounds; }
-    void setClientBounds(const Bounds& client) { clientBounds = client; }
-    const Bounds& getClientBounds() const { return clientBounds; }
+    // Moves and sizes the window (its client area, in screen terms).
+    void setBounds(const KGraphicRectangle& frame);
+    // What the native side reports after a move or a resize; the back
+    // buffer follows the size.
+    void setClientBounds(const KGraphicRectangle& client);
+    const KGraphicRectangle& getClientBounds() const { return clientBounds; }
+
+    void addLayer(KLayer& layer);
+    void removeLayer(KLayer& layer);
+    // The topmost visible layer that holds the point (client terms).
+    KLayer* getLayer(const KGraphicPoint& point) const;
+    const std::vector<KLayerPtr>& getLayers() const { return layers; }
+    // The layer of the window's controls, made when the first one comes.
+    void addControl(KControl& control);
+    void removeControl(KControl& control);
+    KControlsLayer* getControlsLayer() const;
+
+    KGraphicPoint globalToLocal(const KGraphicPoint& point) const;
+    KGraphicPoint localToGlobal(const KGraphicPoint& point) const;
+    void invalidate();
+    void invalidate(const KWideRectangle& area);
 
     void setMainWindow(bool value) { mainWindowFlag = value; }
     bool isMainWindow() const { return mainWindowFlag; }
 
+    void setNativeWindow(void* handle) { nativeWindow = handle; }
     void* getNativeWindow() const { return nativeWindow; }
 
-private:
-    void setNativeWindow(void* handle) { nativeWindow = handle; }
+protected:
+    // Opens the native frame the spec describes; `location` names the
+    // caller in the error of a failed creation.
+    void openWith(int32_t mode, const KNativeWindowSpec& spec, const char* location);
+    // The native frame of a plain window.
+    virtual KNativeWindowSpec makeNativeSpec() const;
+    void surfaceChanged(const KWideRectangle& changed) override;
 
+private:
+    void attachBackBuffer();
+    void resizeBackBuffer(int32_t width, int32_t height);
+    KControlsLayer& controlsLayer();
+
+    std::vector<KLayerPtr> layers;
+    KControlsLayerPtr controls;
+    int32_t windowFlags = Closable | Resizable;
     int32_t stateFlags = 0;
-    Bounds frameBounds;
-    Bounds clientBounds;
+    KGraphicRectangle frameBounds;
+    KGraphicRectangle clientBounds;
     KString title;
     void* nativeWindow = nullptr;
     bool visible = false;
     bool mainWindowFlag = false;
+    bool painting = false;
 };

@@ -45,7 +45,8 @@ KEventReturn KWindowEvent::process()
 
 KEventReturn KWindowEvent::paint()
 {
-    KEventReturn result = window->doPaint(*this);
+    KWindowPtr held = window;
+    KEventReturn result = held->paint(*this);
     return result != 0 ? result : KApplication::current()->doWindowPaint(*this);
 }
 
@@ -61,13 +62,13 @@ void KWindowEvent::updateBounds()
     const KNativeRecord* record = getNativeRecord();
     if (!record)
         return;
-    KWindow::Bounds bounds = window->getClientBounds();
+    KGraphicRectangle bounds = window->getClientBounds();
     if (getType() == Moved) {
-        bounds.x = record->param1;
-        bounds.y = record->param2;
+        bounds.x = int16_t(record->param1);
+        bounds.y = int16_t(record->param2);
     } else {
-        bounds.width = record->param1;
-        bounds.height = record->param2;
+        bounds.width = int16_t(record->param1);
+        bounds.height = int16_t(record->param2);
     }
     window->setClientBounds(bounds);
 }
@@ -115,8 +116,11 @@ KEventReturn KWindowEvent::activated()
     KEventReturn result = window->doActivate(*this);
     if (result == 0)
         result = application->doWindowActivated(*this);
-    if (KWindowManager* manager = KWindowManager::current())
+    // The desktop raised the window; the palettes go back in front of it.
+    if (KWindowManager* manager = KWindowManager::current()) {
         manager->setActive(*window);
+        manager->restack();
+    }
     if (auto told = kServices().windowActivated)
         told(*window);
     return result;

@@ -1,6 +1,11 @@
 #include "windowing/KWindowManager.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KErrorHandler.h"
+#include "windowing/KCursorManager.h"
+#include "windowing/KKeyboardManager.h"
+#include "windowing/KNativeLayer.h"
+#include "windowing/KServices.h"
 #include "windowing/KWindow.h"
 
 #include <algorithm>
@@ -8,6 +13,17 @@
 namespace {
 
 KWindowManager* gWindowManager = nullptr;
+
+// The pointer may have come to lie over another window.
+void refreshCursorTarget()
+{
+    KCursorManager* cursor = KCursorManager::current();
+    KNativeLayer* layer = KNativeLayer::current();
+    int32_t x = 0;
+    int32_t y = 0;
+    if (cursor && layer && layer->cursorPosition(x, y))
+        cursor->refresh(KGraphicPoint(int16_t(x), int16_t(y)));
+}
 
 } // namespace
 
@@ -23,30 +39,111 @@ KWindowManager::~KWindowManager()
 
 KWindowManager* KWindowManager::current() { return gWindowManager; }
 
-void KWindowManager::setActive(KWindow& window) { activeWindow = window; }
+int32_t KWindowManager::indexOf(const KWindow* window) const
+{
+    for (size_t index = 0; index < windows.size(); ++index) {
+        if (windows[index].get() == window)
+            return static_cast<int32_t>(index);
+    }
+    return -1;
+}
+
+bool KWindowManager::isKnown(const KWindow* window) const { return indexOf(window) >= 0; }
+
+void KWindowManager::setActive(KWindow& window)
+{
+    activeWindow = window;
+    int32_t index = indexOf(&window);
+    if (index >= 0 && index + 1 < windowCount()) {
+        KWindowPtr held = windows[size_t(index)];
+        windows.erase(windows.begin() + index);
+        windows.push_back(held);
+        reorderWindows();
+    }
+}
 
 void KWindowManager::clearActive() { activeWindow.clear(); }
 
 void KWindowManager::windowOpened(KWindow& window)
 {
+    KWindowPtr held(window);
+    if (window.isModal() && ++modalCount == 1)
+        enableMenus(false);
     if (!isKnown(&window))
         windows.emplace_back(&window);
     setActive(window);
+    if (window.isModal())
+        updateEnabling();
+    reorderWindows();
+}
+
+void KWindowManager::beginModal(KWindow& dialog)
+{
+    if (!isKnown(&dialog))
+        return;
+    if (++modalCount == 1)
+        enableMenus(false);
+    setActive(dialog);
+    updateEnabling();
     reorderWindows();
 }
 
 void KWindowManager::windowClosed(KWindow& window)
 {
     KWindowPtr held(window);
-    auto it = std::find(windows.begin(), windows.end(), KWindowPtr(window));
-    if (it != windows.end())
-        windows.erase(it);
+    int32_t index = indexOf(&window);
+    if (index >= 0)
+        windows.erase(windows.begin() + index);
+    updateEnabling();
     reorderWindows();
     if (activeWindow == &window)
         clearActive();
+    if (KCursorManager* cursor = KCursorManager::current())
+        cursor->windowClosed(window);
+    if (KKeyboardManager* keyboard = KKeyboardManager::current())
+        keyboard->windowClosed(window);
+    if (index >= 0 && window.isModal() && modalCount > 0 && --modalCount == 0)
+        enableMenus(true);
+    refreshCursorTarget();
 }
 
-void KWindowManager::reorderWindows() { }
+void KWindowManager::updateEnabling()
+{
+    bool behindModal = false;
+    for (auto it = windows.rbegin(); it != windows.rend(); ++it) {
+        (*it)->setEnabled(!behindModal);
+        if ((*it)->isModal())
+            behindModal = true;
+    }
+}
+
+void KWindowManager::enableMenus(bool enabled)
+{
+    if (auto hook = kServices().enableMenus)
+        hook(enabled);
+}
+
+void KWindowManager::reorderWindows()
+{
+    std::stable_sort(windows.begin(), windows.end(),
+                     [](const KWindowPtr& a, const KWindowPtr& b) { return a->getTier() < b->getTier(); });
+    std::vector<void*> order;
+    for (auto& window : windows) {
+        if (window->getNativeWindow())
+            order.push_back(window->getNativeWindow());
+    }
+    if (order == nativeOrder)
+        return;
+    nativeOrder = order;
+    if (order.size() > 1)
+        KNativeLayer::get().restackWindows(order);
+}
+
+void KWindowManager::restack()
+{
+    nativeOrder.clear();
+    reorderWindows();
+}
 
 void KWindowManager::closeAll()
 {
@@ -57,13 +154,50 @@ void KWindowManager::closeAll()
 
 KWindow* KWindowManager::getActiveWindow() const { return activeWindow.get(); }
 
-KWindow* KWindowManager::getFrontWindow() const { return windows.empty() ? nullptr : windows.back().get(); }
+KWindow* KWindowManager::frontWindow() const { return windows.empty() ? nullptr : windows.back().get(); }
 
-bool KWindowManager::isKnown(const KWindow* window) const
+KWindow* KWindowManager::getFrontWindow() const
 {
-    for (auto& held : windows) {
-        if (held.get() == window)
-            return true;
+    KWindow* window = frontWindow();
+    if (!window)
+        KErrorHandler::raiseError(KError::NoWindow, "KWindow& KWindowManager::getFrontWindow() const");
+    return window;
+}
+
+KWindow* KWindowManager::getFrontWindow(int32_t tier) const
+{
+    for (auto it = windows.rbegin(); it != windows.rend(); ++it) {
+        if ((*it)->getTier() == tier)
+            return it->get();
     }
-    return false;
+    KErrorHandler::raiseError(KError::NoWindow, "KWindow& KWindowManager::getFrontWindow(long Layer) const");
+    return nullptr;
+}
+
+KWindow* KWindowManager::getWindowBelow(KWindow& window) const
+{
+    int32_t index = indexOf(&window);
+    if (index > 0)
+        return windows[size_t(index - 1)].get();
+    KErrorHandler::raiseError(KError::NoWindow, "KWindow& KWindowManager::getWindowBelow(KWindow& W) const");
+    return nullptr;
+}
+
+KWindow* KWindowManager::getWindowAbove(KWindow& window) const
+{
+    int32_t index = indexOf(&window);
+    if (index >= 0 && index + 1 < windowCount())
+        return windows[size_t(index + 1)].get();
+    KErrorHandler::raiseError(KError::NoWindow, "KWindow& KWindowManager::getWindowAbove(KWindow& W) const");
+    return nullptr;
+}
+
+KWindow* KWindowManager::getWindowAt(const KGraphicPoint& point) const
+{
+    for (auto it = windows.rbegin(); it != windows.rend(); ++it) {
+        KWindow* window = it->get();
+        if (window->isVisible() && window->getClientBounds().contains(point))
+            return window;
+    }
+    return nullptr;
 }

@@ -1,7 +1,23 @@
 #include "windowing/KWindowingClasses.h"
 
+#include "graphics/KGraphicsClasses.h"
 #include "kernel/KClass.h"
 #include "kernel/KKernelClasses.h"
+#include "windowing/KAlert.h"
+#include "windowing/KButtonNativeControl.h"
+#include "windowing/KClipboardManager.h"
+#include "windowing/KControl.h"
+#include "windowing/KControlsLayer.h"
+#include "windowing/KCursorManager.h"
+#include "windowing/KDialog.h"
+#include "windowing/KDialogHandler.h"
+#include "windowing/KDragObject.h"
+#include "windowing/KDragObjectsLayer.h"
+#include "windowing/KInteractiveElement.h"
+#include "windowing/KKeyboardManager.h"
+#include "windowing/KLayer.h"
+#include "windowing/KPaletteWindow.h"
+#include "windowing/KStaticTextNativeControl.h"
 #include "windowing/KActionEvent.h"
 #include "windowing/KApplication.h"
 #include "windowing/KApplicationEvent.h"
@@ -30,10 +46,26 @@ void registerRoot(const char* name)
 void kRegisterWindowingClasses()
 {
     kRegisterKernelClasses();
+    kRegisterGraphicsClasses();
     if (KClass::hasClass("KErrorHandler"))
         return;
     KWindow::registerClass();
+    KPaletteWindow::registerClass();
+    KDialog::registerClass();
+    KAlert::registerClass();
     KWindowManager::registerClass();
+    KInteractiveElement::registerClass();
+    KLayer::registerClass();
+    KControlsLayer::registerClass();
+    KDragObject::registerClass();
+    KDragObjectsLayer::registerClass();
+    KControl::registerClass();
+    KButtonNativeControl::registerClass();
+    KStaticTextNativeControl::registerClass();
+    KCursorManager::registerClass();
+    KKeyboardManager::registerClass();
+    KClipboardManager::registerClass();
+    KDialogHandler::registerClass();
     KApplication::registerClass();
     KTimer::registerClass();
     KTimerManager::registerClass();

@@ -162,6 +162,16 @@ void KGraphicRegion::inset(int16_t, int16_t)
     KErrorHandler::showMessage("Not Yet Implemented!", "KGraphicRegion::inset", KErrorHandler::kNoticeBoxFlags);
 }
 
+void KGraphicRegion::readFromFile(KFile&)
+{
+    KErrorHandler::showMessage("Not Yet Implemented!", "KGraphicRegion::readFromFile", KErrorHandler::kNoticeBoxFlags);
+}
+
+void KGraphicRegion::writeToFile(KFile&, int32_t)
+{
+    KErrorHandler::showMessage("Not Yet Implemented!", "KGraphicRegion::writeToFile", KErrorHandler::kNoticeBoxFlags);
+}
+
 bool KGraphicRegion::operator==(const KGraphicRegion& other) const
 {
     return cairo_region_equal(native(nativeRegion), native(other.nativeRegion));

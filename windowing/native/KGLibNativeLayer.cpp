@@ -19,7 +19,7 @@ KGLibNativeLayer::~KGLibNativeLayer() = default;
 
 bool KGLibNativeLayer::initialize() { return true; }
 
-void KGLibNativeLayer::shutDown() { }
+void KGLibNativeLayer::shutDown() { messageSlot.close(); }
 
 // One iteration of the default main context. A blocking iteration with a
 // limit gets a one-shot timeout source, so it returns at the latest when the
@@ -61,7 +61,7 @@ bool KGLibNativeLayer::cursorPosition(int32_t&, int32_t&) { return false; }
 
 bool KGLibNativeLayer::hasDisplay() const { return false; }
 
-void* KGLibNativeLayer::openWindow(KWindow& owner, const char*, int32_t, int32_t)
+void* KGLibNativeLayer::openWindow(KWindow& owner, const KNativeWindowSpec&)
 {
     auto* window = new HeadlessWindow();
     window->owner = &owner;
@@ -73,3 +73,16 @@ void KGLibNativeLayer::closeWindow(void* handle) { delete static_cast<HeadlessWi
 void KGLibNativeLayer::showWindow(void*, bool) { }
 
 void KGLibNativeLayer::setWindowTitle(void*, const char*) { }
+
+bool KGLibNativeLayer::openMessageSlot(const char* name) { return messageSlot.open(name); }
+
+void KGLibNativeLayer::closeMessageSlot() { messageSlot.close(); }
+
+int32_t KGLibNativeLayer::nextSlotMessageSize() { return messageSlot.nextSize(); }
+
+int32_t KGLibNativeLayer::readSlotMessage(char* buffer, int32_t size) { return messageSlot.read(buffer, size); }
+
+bool KGLibNativeLayer::sendSlotMessages(const char* name, const std::vector<std::string>& messages)
+{
+    return KGLibMessageSlot::send(name, messages);
+}

@@ -1,12 +1,15 @@
 #include "windowing/native/KGtkNativeLayer.h"
 
+#include "graphics/native/KNativeDevice.h"
 #include "kernel/KErrorHandler.h"
-#include "windowing/KEvent.h"
 #include "windowing/KEventTranslator.h"
+#include "windowing/KWindow.h"
+#include "windowing/native/KGtkDialogs.h"
 #include "windowing/native/KGtkKeys.h"
 #include "windowing/native/KGtkText.h"
+#include "windowing/native/KGtkWindowHandle.h"
 
-#include <gtk/gtk.h>
+#include <algorithm>
 
 namespace {
 
@@ -14,18 +17,7 @@ namespace {
 // keep it current in between.
 constexpr int32_t kPointerQueryPeriod = 20;
 
-struct GtkWindowHandle {
-    KGtkNativeLayer* layer = nullptr;
-    KWindow* owner = nullptr;
-    GtkWidget* window = nullptr;
-    GtkWidget* area = nullptr;
-    int32_t lastX = INT32_MIN;
-    int32_t lastY = INT32_MIN;
-    int32_t lastWidth = -1;
-    int32_t lastHeight = -1;
-};
-
-KNativeRecord recordFor(GtkWindowHandle* handle, int32_t message, int32_t param1 = 0, int32_t param2 = 0)
+KNativeRecord recordFor(KGtkWindowHandle* handle, int32_t message, int32_t param1 = 0, int32_t param2 = 0)
 {
     KNativeRecord record;
     record.window = handle->owner;
@@ -36,7 +28,7 @@ KNativeRecord recordFor(GtkWindowHandle* handle, int32_t message, int32_t param1
     return record;
 }
 
-KEventReturn deliver(GtkWindowHandle* handle, int32_t message, int32_t param1 = 0, int32_t param2 = 0)
+KEventReturn deliver(KGtkWindowHandle* handle, int32_t message, int32_t param1 = 0, int32_t param2 = 0)
 {
     if (!handle->owner)
         return 0;
@@ -47,25 +39,32 @@ KEventReturn deliver(GtkWindowHandle* handle, int32_t message, int32_t param1 = 
 
 gboolean onDelete(GtkWidget*, GdkEvent*, gpointer data)
 {
-    deliver(static_cast<GtkWindowHandle*>(data), KNativeMessage::Close);
+    deliver(static_cast<KGtkWindowHandle*>(data), KNativeMessage::Close);
     // The framework decides: a close it agrees to destroys the window.
     return TRUE;
 }
 
+// A move reports where the client area's origin lies on the screen.
 gboolean onConfigure(GtkWidget*, GdkEventConfigure* event, gpointer data)
 {
-    auto* handle = static_cast<GtkWindowHandle*>(data);
+    auto* handle = static_cast<KGtkWindowHandle*>(data);
     if (event->x != handle->lastX || event->y != handle->lastY) {
         handle->lastX = event->x;
         handle->lastY = event->y;
         deliver(handle, KNativeMessage::Move, event->x, event->y);
     }
-    if (event->width != handle->lastWidth || event->height != handle->lastHeight) {
-        handle->lastWidth = event->width;
-        handle->lastHeight = event->height;
-        deliver(handle, KNativeMessage::Size, event->width, event->height);
-    }
     return FALSE;
+}
+
+// A resize reports the drawing area's size, which is the back buffer's.
+void onAllocate(GtkWidget*, GdkRectangle* allocation, gpointer data)
+{
+    auto* handle = static_cast<KGtkWindowHandle*>(data);
+    if (allocation->width == handle->lastWidth && allocation->height == handle->lastHeight)
+        return;
+    handle->lastWidth = allocation->width;
+    handle->lastHeight = allocation->height;
+    deliver(handle, KNativeMessage::Size, allocation->width, allocation->height);
 }
 
 gboolean anyWindowActive()
@@ -82,7 +81,7 @@ gboolean anyWindowActive()
 // its windows, which is known once the focus change has settled.
 gboolean settleApplicationActivation(gpointer data)
 {
-    auto* handle = static_cast<GtkWindowHandle*>(data);
+    auto* handle = static_cast<KGtkWindowHandle*>(data);
     KNativeRecord record = recordFor(handle, KNativeMessage::ActivateApp, anyWindowActive() ? 1 : 0);
     record.window = nullptr;
     kksDeliverNativeRecord(record);
@@ -91,7 +90,7 @@ gboolean settleApplicationActivation(gpointer data)
 
 gboolean onFocusIn(GtkWidget*, GdkEventFocus*, gpointer data)
 {
-    auto* handle = static_cast<GtkWindowHandle*>(data);
+    auto* handle = static_cast<KGtkWindowHandle*>(data);
     KNativeRecord appRecord = recordFor(handle, KNativeMessage::ActivateApp, 1);
     appRecord.window = nullptr;
     kksDeliverNativeRecord(appRecord);
@@ -101,7 +100,7 @@ gboolean onFocusIn(GtkWidget*, GdkEventFocus*, gpointer data)
 
 gboolean onFocusOut(GtkWidget*, GdkEventFocus*, gpointer data)
 {
-    auto* handle = static_cast<GtkWindowHandle*>(data);
+    auto* handle = static_cast<KGtkWindowHandle*>(data);
     deliver(handle, KNativeMessage::Activate, 0);
     g_idle_add(&settleApplicationActivation, handle);
     return FALSE;
@@ -109,7 +108,7 @@ gboolean onFocusOut(GtkWidget*, GdkEventFocus*, gpointer data)
 
 gboolean onKeyPress(GtkWidget* widget, GdkEventKey* event, gpointer data)
 {
-    auto* handle = static_cast<GtkWindowHandle*>(data);
+    auto* handle = static_cast<KGtkWindowHandle*>(data);
     if (gtk_window_activate_key(GTK_WINDOW(widget), event))
         return TRUE;
     int32_t virtualKey = kGtkVirtualKey(event->keyval);
@@ -135,7 +134,7 @@ int32_t mouseKeys(guint state)
     return keys;
 }
 
-KEventReturn deliverMouse(GtkWindowHandle* handle, int32_t message, int32_t keys, double x, double y, double rootX,
+KEventReturn deliverMouse(KGtkWindowHandle* handle, int32_t message, int32_t keys, double x, double y, double rootX,
                           double rootY)
 {
     if (!handle->owner)
@@ -148,7 +147,8 @@ KEventReturn deliverMouse(GtkWindowHandle* handle, int32_t message, int32_t keys
 }
 
 // GTK reports the button state before the change; the records carry it
-// after, as the translator expects.
+// after, as the translator expects. GTK's own double and triple clicks are
+// dropped: the framework tells double clicks itself.
 gboolean onButtonPress(GtkWidget*, GdkEventButton* event, gpointer data)
 {
     if (event->type != GDK_BUTTON_PRESS)
@@ -164,7 +164,7 @@ gboolean onButtonPress(GtkWidget*, GdkEventButton* event, gpointer data)
     } else {
         return FALSE;
     }
-    deliverMouse(static_cast<GtkWindowHandle*>(data), message, keys, event->x, event->y, event->x_root, event->y_root);
+    deliverMouse(static_cast<KGtkWindowHandle*>(data), message, keys, event->x, event->y, event->x_root, event->y_root);
     return TRUE;
 }
 
@@ -181,26 +181,59 @@ gboolean onButtonRelease(GtkWidget*, GdkEventButton* event, gpointer data)
     } else {
         return FALSE;
     }
-    deliverMouse(static_cast<GtkWindowHandle*>(data), message, keys, event->x, event->y, event->x_root, event->y_root);
+    deliverMouse(static_cast<KGtkWindowHandle*>(data), message, keys, event->x, event->y, event->x_root, event->y_root);
     return TRUE;
 }
 
 gboolean onMotion(GtkWidget*, GdkEventMotion* event, gpointer data)
 {
-    deliverMouse(static_cast<GtkWindowHandle*>(data), KNativeMessage::MouseMove, mouseKeys(event->state), event->x,
+    deliverMouse(static_cast<KGtkWindowHandle*>(data), KNativeMessage::MouseMove, mouseKeys(event->state), event->x,
                  event->y, event->x_root, event->y_root);
     return TRUE;
 }
 
+// The window paints into its back buffer, which is then shown.
 gboolean onDraw(GtkWidget*, cairo_t* cr, gpointer data)
 {
-    cairo_set_source_rgb(cr, 0, 0, 0);
+    auto* handle = static_cast<KGtkWindowHandle*>(data);
+    deliver(handle, KNativeMessage::Paint);
+    KNativeDevice* device = handle->owner ? handle->owner->getNativeDevice() : nullptr;
+    cairo_surface_t* surface = device ? device->getSurface() : nullptr;
+    if (surface) {
+        cairo_surface_flush(surface);
+        cairo_set_source_surface(cr, surface, 0, 0);
+    } else {
+        cairo_set_source_rgb(cr, 0, 0, 0);
+    }
+    cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
     cairo_paint(cr);
-    deliver(static_cast<GtkWindowHandle*>(data), KNativeMessage::Paint);
     return TRUE;
 }
 
-void connectWindowProcedure(GtkWindowHandle* handle)
+// Only the first file of a drop counts; it comes as a DropFiles record.
+void onDragData(GtkWidget*, GdkDragContext* context, gint, gint, GtkSelectionData* selection, guint, guint time,
+                gpointer data)
+{
+    auto* handle = static_cast<KGtkWindowHandle*>(data);
+    std::vector<std::string> files;
+    gchar** uris = gtk_selection_data_get_uris(selection);
+    for (gchar** uri = uris; uri && *uri; ++uri) {
+        gchar* file = g_filename_from_uri(*uri, nullptr, nullptr);
+        if (!file)
+            continue;
+        gchar* utf8 = g_filename_to_utf8(file, -1, nullptr, nullptr, nullptr);
+        if (utf8)
+            files.push_back(kFromUtf8(utf8));
+        g_free(utf8);
+        g_free(file);
+    }
+    g_strfreev(uris);
+    gtk_drag_finish(context, !files.empty(), FALSE, time);
+    if (!files.empty())
+        deliver(handle, KNativeMessage::DropFiles, handle->layer->noteDrop(files));
+}
+
+void connectWindowProcedure(KGtkWindowHandle* handle)
 {
     g_signal_connect(handle->window, "delete-event", G_CALLBACK(onDelete), handle);
     g_signal_connect(handle->window, "configure-event", G_CALLBACK(onConfigure), handle);
@@ -212,21 +245,48 @@ void connectWindowProcedure(GtkWindowHandle* handle)
     g_signal_connect(handle->area, "button-release-event", G_CALLBACK(onButtonRelease), handle);
     g_signal_connect(handle->area, "motion-notify-event", G_CALLBACK(onMotion), handle);
     g_signal_connect(handle->area, "draw", G_CALLBACK(onDraw), handle);
+    g_signal_connect(handle->area, "size-allocate", G_CALLBACK(onAllocate), handle);
+    gtk_drag_dest_set(handle->area, GTK_DEST_DEFAULT_ALL, nullptr, 0, GDK_ACTION_COPY);
+    gtk_drag_dest_add_uri_targets(handle->area);
+    g_signal_connect(handle->area, "drag-data-received", G_CALLBACK(onDragData), handle);
 }
 
-// --- Messages ----------------------------------------------------------------
+// --- Frames ------------------------------------------------------------------
 
-void showGtkMessage(const char* text, const char* caption, int32_t flags)
+void styleFrame(KGtkWindowHandle* handle, const KNativeWindowSpec& spec, GtkWidget* parent)
 {
-    GtkMessageType type = flags == KErrorHandler::kFatalBoxFlags ? GTK_MESSAGE_ERROR : GTK_MESSAGE_INFO;
-    std::string body = kToUtf8(text);
-    GtkWidget* dialog = gtk_message_dialog_new(nullptr, GTK_DIALOG_MODAL, type, GTK_BUTTONS_OK, "%s", body.c_str());
-    gtk_window_set_title(GTK_WINDOW(dialog), kToUtf8(caption).c_str());
-    gtk_window_set_keep_above(GTK_WINDOW(dialog), TRUE);
-    KEvent::setNativeModalWindow(dialog);
-    gtk_dialog_run(GTK_DIALOG(dialog));
-    KEvent::setNativeModalWindow(nullptr);
-    gtk_widget_destroy(dialog);
+    GtkWindow* window = GTK_WINDOW(handle->window);
+    switch (spec.kind) {
+    case KNativeWindowKind::Palette:
+        gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_UTILITY);
+        gtk_window_set_skip_taskbar_hint(window, TRUE);
+        gtk_window_set_skip_pager_hint(window, TRUE);
+        gtk_window_set_focus_on_map(window, FALSE);
+        break;
+    case KNativeWindowKind::Dialog:
+        gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_DIALOG);
+        gtk_window_set_skip_taskbar_hint(window, TRUE);
+        break;
+    default:
+        break;
+    }
+    if (parent && spec.kind != KNativeWindowKind::Normal)
+        gtk_window_set_transient_for(window, GTK_WINDOW(parent));
+    gtk_window_set_deletable(window, spec.closable);
+    gtk_window_set_resizable(window, spec.resizable);
+    gtk_window_set_title(window, kToUtf8(spec.title.c_str()).c_str());
+}
+
+void sizeFrame(KGtkWindowHandle* handle, const KNativeRect& client)
+{
+    int32_t width = std::max(client.width, 1);
+    int32_t height = std::max(client.height, 1);
+    if (handle->resizable) {
+        gtk_window_set_default_size(GTK_WINDOW(handle->window), width, height);
+        gtk_window_resize(GTK_WINDOW(handle->window), width, height);
+    } else {
+        gtk_widget_set_size_request(handle->area, width, height);
+    }
 }
 
 } // namespace
@@ -240,15 +300,17 @@ bool KGtkNativeLayer::initialize()
 {
     gdk_set_allowed_backends("x11");
     display = gtk_init_check(nullptr, nullptr);
-    if (display)
-        KErrorHandler::setMessageProc(&showGtkMessage);
+    if (display) {
+        installGtkMessageProc(true);
+        connectClipboard();
+    }
     return KGLibNativeLayer::initialize();
 }
 
 void KGtkNativeLayer::shutDown()
 {
     if (display)
-        KErrorHandler::setMessageProc(nullptr);
+        installGtkMessageProc(false);
     KGLibNativeLayer::shutDown();
 }
 
@@ -297,21 +359,69 @@ bool KGtkNativeLayer::cursorPosition(int32_t& x, int32_t& y)
     return true;
 }
 
-void* KGtkNativeLayer::openWindow(KWindow& owner, const char* title, int32_t width, int32_t height)
+int32_t KGtkNativeLayer::doubleClickTime() const
 {
     if (!display)
-        return KGLibNativeLayer::openWindow(owner, title, width, height);
-    auto* handle = new GtkWindowHandle();
+        return KGLibNativeLayer::doubleClickTime();
+    gint time = 0;
+    g_object_get(gtk_settings_get_default(), "gtk-double-click-time", &time, nullptr);
+    return time;
+}
+
+int32_t KGtkNativeLayer::doubleClickDistance() const
+{
+    if (!display)
+        return KGLibNativeLayer::doubleClickDistance();
+    gint distance = 0;
+    g_object_get(gtk_settings_get_default(), "gtk-double-click-distance", &distance, nullptr);
+    return distance;
+}
+
+void KGtkNativeLayer::screenSize(int32_t& width, int32_t& height) const
+{
+    GdkDisplay* gdkDisplay = display ? gdk_display_get_default() : nullptr;
+    GdkMonitor* monitor = gdkDisplay ? gdk_display_get_primary_monitor(gdkDisplay) : nullptr;
+    if (!monitor && gdkDisplay)
+        monitor = gdk_display_get_monitor(gdkDisplay, 0);
+    if (!monitor) {
+        KGLibNativeLayer::screenSize(width, height);
+        return;
+    }
+    GdkRectangle geometry;
+    gdk_monitor_get_geometry(monitor, &geometry);
+    width = geometry.width;
+    height = geometry.height;
+}
+
+// --- Windows -------------------------------------------------------------------
+
+void* KGtkNativeLayer::openWindow(KWindow& owner, const KNativeWindowSpec& spec)
+{
+    if (!display)
+        return KGLibNativeLayer::openWindow(owner, spec);
+    auto* handle = new KGtkWindowHandle();
     handle->layer = this;
     handle->owner = &owner;
+    handle->kind = spec.kind;
+    handle->resizable = spec.resizable;
     handle->window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
+    handle->overlay = gtk_overlay_new();
     handle->area = gtk_drawing_area_new();
+    handle->fixed = gtk_fixed_new();
     gtk_widget_set_can_focus(handle->area, TRUE);
-    gtk_container_add(GTK_CONTAINER(handle->window), handle->area);
-    gtk_window_set_title(GTK_WINDOW(handle->window), kToUtf8(title).c_str());
-    gtk_window_set_default_size(GTK_WINDOW(handle->window), width, height);
+    gtk_container_add(GTK_CONTAINER(handle->overlay), handle->area);
+    gtk_overlay_add_overlay(GTK_OVERLAY(handle->overlay), handle->fixed);
+    gtk_overlay_set_overlay_pass_through(GTK_OVERLAY(handle->overlay), handle->fixed, TRUE);
+    gtk_container_add(GTK_CONTAINER(handle->window), handle->overlay);
+    styleFrame(handle, spec, gtkWindowOf(spec.parent));
+    sizeFrame(handle, spec.client);
+    if (spec.centreOnParent && spec.parent)
+        gtk_window_set_position(GTK_WINDOW(handle->window), GTK_WIN_POS_CENTER_ON_PARENT);
+    else
+        gtk_window_move(GTK_WINDOW(handle->window), spec.client.x, spec.client.y);
     connectWindowProcedure(handle);
-    gtk_widget_show(handle->area);
+    gtk_widget_show_all(handle->overlay);
+    handles.push_back(handle);
     return handle;
 }
 
@@ -321,7 +431,8 @@ void KGtkNativeLayer::closeWindow(void* handle)
         KGLibNativeLayer::closeWindow(handle);
         return;
     }
-    auto* gtkHandle = static_cast<GtkWindowHandle*>(handle);
+    auto* gtkHandle = static_cast<KGtkWindowHandle*>(handle);
+    handles.erase(std::remove(handles.begin(), handles.end(), gtkHandle), handles.end());
     gtkHandle->owner = nullptr;
     g_signal_handlers_disconnect_by_data(gtkHandle->window, gtkHandle);
     g_signal_handlers_disconnect_by_data(gtkHandle->area, gtkHandle);
@@ -331,27 +442,171 @@ void KGtkNativeLayer::closeWindow(void* handle)
     delete gtkHandle;
 }
 
+// A palette appears without taking the focus from the window it serves.
 void KGtkNativeLayer::showWindow(void* handle, bool visible)
 {
     if (!display)
         return;
-    auto* gtkHandle = static_cast<GtkWindowHandle*>(handle);
-    if (visible)
-        gtk_window_present(GTK_WINDOW(gtkHandle->window));
-    else
+    auto* gtkHandle = static_cast<KGtkWindowHandle*>(handle);
+    if (!visible) {
         gtk_widget_hide(gtkHandle->window);
+        return;
+    }
+    if (gtkHandle->kind == KNativeWindowKind::Palette)
+        gtk_widget_show(gtkHandle->window);
+    else
+        gtk_window_present(GTK_WINDOW(gtkHandle->window));
+    applyCursor(*gtkHandle);
 }
 
 void KGtkNativeLayer::setWindowTitle(void* handle, const char* title)
 {
     if (!display)
         return;
-    gtk_window_set_title(GTK_WINDOW(static_cast<GtkWindowHandle*>(handle)->window), kToUtf8(title).c_str());
+    gtk_window_set_title(GTK_WINDOW(static_cast<KGtkWindowHandle*>(handle)->window), kToUtf8(title).c_str());
+}
+
+void KGtkNativeLayer::setWindowBounds(void* handle, const KNativeRect& client)
+{
+    if (!display)
+        return;
+    auto* gtkHandle = static_cast<KGtkWindowHandle*>(handle);
+    gtk_window_move(GTK_WINDOW(gtkHandle->window), client.x, client.y);
+    sizeFrame(gtkHandle, client);
+}
+
+// Raising each window in turn, back to front, leaves the last in front,
+// with or without a window manager.
+void KGtkNativeLayer::restackWindows(const std::vector<void*>& backToFront)
+{
+    if (!display)
+        return;
+    for (void* handle : backToFront) {
+        GdkWindow* window = gtk_widget_get_window(static_cast<KGtkWindowHandle*>(handle)->window);
+        if (window)
+            gdk_window_raise(window);
+    }
+}
+
+void KGtkNativeLayer::setWindowEnabled(void* handle, bool enabled)
+{
+    if (display)
+        gtk_widget_set_sensitive(static_cast<KGtkWindowHandle*>(handle)->overlay, enabled);
+}
+
+void KGtkNativeLayer::setWindowModal(void* handle, bool modal)
+{
+    if (display)
+        gtk_window_set_modal(GTK_WINDOW(static_cast<KGtkWindowHandle*>(handle)->window), modal);
+}
+
+void KGtkNativeLayer::invalidateWindow(void* handle, const KNativeRect& area)
+{
+    if (display)
+        gtk_widget_queue_draw_area(static_cast<KGtkWindowHandle*>(handle)->area, area.x, area.y, area.width,
+                                   area.height);
+}
+
+void KGtkNativeLayer::setWindowTooltip(void* handle, const char* text)
+{
+    if (!display)
+        return;
+    GtkWidget* area = static_cast<KGtkWindowHandle*>(handle)->area;
+    if (text && *text)
+        gtk_widget_set_tooltip_text(area, kToUtf8(text).c_str());
+    else
+        gtk_widget_set_has_tooltip(area, FALSE);
 }
 
 GtkWidget* KGtkNativeLayer::gtkWindowOf(void* handle) const
 {
     if (!display || !handle)
         return nullptr;
-    return static_cast<GtkWindowHandle*>(handle)->window;
+    return static_cast<KGtkWindowHandle*>(handle)->window;
+}
+
+GtkWidget* KGtkNativeLayer::gtkAreaOf(void* handle) const
+{
+    if (!display || !handle)
+        return nullptr;
+    return static_cast<KGtkWindowHandle*>(handle)->area;
+}
+
+GtkWidget* KGtkNativeLayer::dialogParent() const
+{
+    for (KGtkWindowHandle* handle : handles) {
+        if (gtk_window_is_active(GTK_WINDOW(handle->window)))
+            return handle->window;
+    }
+    for (auto it = handles.rbegin(); it != handles.rend(); ++it) {
+        if (gtk_widget_get_visible((*it)->window))
+            return (*it)->window;
+    }
+    return nullptr;
+}
+
+int32_t KGtkNativeLayer::noteDrop(const std::vector<std::string>& files)
+{
+    drops.push_back(files);
+    return static_cast<int32_t>(drops.size()) - 1;
+}
+
+bool KGtkNativeLayer::droppedFile(int32_t drop, char* buffer, int32_t size)
+{
+    if (drop < 0 || drop >= static_cast<int32_t>(drops.size()) || drops[size_t(drop)].empty() || size <= 0)
+        return false;
+    g_strlcpy(buffer, drops[size_t(drop)].front().c_str(), size_t(size));
+    return true;
+}
+
+// --- Cursor ---------------------------------------------------------------------
+
+void KGtkNativeLayer::applyCursor(KGtkWindowHandle& handle) const
+{
+    GdkWindow* window = gtk_widget_get_window(handle.area);
+    if (!window)
+        return;
+    const char* name = "default";
+    if (!cursorVisible) {
+        name = "none";
+    } else {
+        switch (cursorShape) {
+        case KCursorShape::Wait:
+            name = "wait";
+            break;
+        case KCursorShape::Cross:
+            name = "crosshair";
+            break;
+        case KCursorShape::Hand:
+            name = "pointer";
+            break;
+        case KCursorShape::Text:
+            name = "text";
+            break;
+        default:
+            break;
+        }
+    }
+    GdkCursor* cursor = gdk_cursor_new_from_name(gdk_window_get_display(window), name);
+    gdk_window_set_cursor(window, cursor);
+    if (cursor)
+        g_object_unref(cursor);
+}
+
+void KGtkNativeLayer::setCursorShape(int32_t shape)
+{
+    cursorShape = shape;
+    if (!display)
+        return;
+    for (KGtkWindowHandle* handle : handles)
+        applyCursor(*handle);
+}
+
+void KGtkNativeLayer::setCursorVisible(bool visible)
+{
+    cursorVisible = visible;
+    if (!display)
+        return;
+    for (KGtkWindowHandle* handle : handles)
+        applyCursor(*handle);
 }

@@ -2,12 +2,19 @@
 
 #include "windowing/native/KGLibNativeLayer.h"
 
-typedef struct _GtkWidget GtkWidget;
+#include <string>
+#include <vector>
 
-// The GLib layer plus GTK windows when a display can be opened. Each
-// KWindow is a GtkWindow holding a GtkDrawingArea; GTK's signal handlers
-// play the part of a window procedure: they build a native record and hand
-// it to the translator. Without a display the layer stays headless.
+typedef struct _GtkWidget GtkWidget;
+struct KGtkWindowHandle;
+
+// The GLib layer plus GTK when a display can be opened. Each KWindow is a
+// GtkWindow holding an overlay: a GtkDrawingArea that shows the window's
+// back buffer, and over it a GtkFixed where controls sit at their pixel
+// positions (it lets the pointer through where there is no control). GTK's
+// signal handlers play the part of a window procedure: they build a native
+// record and hand it to the translator. Without a display the layer stays
+// headless.
 class KGtkNativeLayer : public KGLibNativeLayer {
 public:
     KGtkNativeLayer();
@@ -18,21 +25,71 @@ public:
     int32_t modifierState() const override;
     bool cursorPosition(int32_t& x, int32_t& y) override;
     bool hasDisplay() const override { return display; }
-    void* openWindow(KWindow& owner, const char* title, int32_t width, int32_t height) override;
+
+    void* openWindow(KWindow& owner, const KNativeWindowSpec& spec) override;
     void closeWindow(void* handle) override;
     void showWindow(void* handle, bool visible) override;
     void setWindowTitle(void* handle, const char* title) override;
+    void setWindowBounds(void* handle, const KNativeRect& client) override;
+    void restackWindows(const std::vector<void*>& backToFront) override;
+    void setWindowEnabled(void* handle, bool enabled) override;
+    void setWindowModal(void* handle, bool modal) override;
+    void invalidateWindow(void* handle, const KNativeRect& area) override;
+    void setWindowTooltip(void* handle, const char* text) override;
+    void screenSize(int32_t& width, int32_t& height) const override;
+
+    void* createControl(void* window, const KNativeControlSpec& spec) override;
+    void destroyControl(void* control) override;
+    void setControlBounds(void* control, const KNativeRect& bounds) override;
+    void setControlText(void* control, const char* text) override;
+    void setControlEnabled(void* control, bool enabled) override;
+    void setControlVisible(void* control, bool visible) override;
+
+    int32_t doubleClickTime() const override;
+    int32_t doubleClickDistance() const override;
+    void setCursorShape(int32_t shape) override;
+    void setCursorVisible(bool visible) override;
+
+    bool setClipboard(const KNativeClipboardContent& content) override;
+    bool clipboardHasFormat(const char* format) override;
+    bool clipboardText(std::string& text) override;
+    bool clipboardImage(KNativeImageData& image) override;
+    bool clipboardData(const char* format, std::vector<uint8_t>& data) override;
+    void storeClipboard() override;
+
+    bool chooseFile(const KNativeChooserSpec& spec, std::string& path) override;
+    bool chooseColour(const char* title, KNativeColour& colour) override;
+    int32_t messageBox(const KNativeAlertSpec& alert) override;
+    void beep() override;
+
+    bool droppedFile(int32_t drop, char* buffer, int32_t size) override;
 
     // The GtkWindow behind a window handle; null without a display.
     GtkWidget* gtkWindowOf(void* handle) const;
+    // The drawing area that shows the window's back buffer.
+    GtkWidget* gtkAreaOf(void* handle) const;
+    // The widget of a control handle.
+    GtkWidget* gtkControlOf(void* control) const;
 
     // Remembers the pointer's position from a motion event.
     void notePointer(int32_t x, int32_t y);
+    // Keeps the files of a drop; the number names them in the record.
+    int32_t noteDrop(const std::vector<std::string>& files);
+    // The window the program's own boxes belong to: the active one, else
+    // the last one opened.
+    GtkWidget* dialogParent() const;
 
 private:
+    void applyCursor(KGtkWindowHandle& handle) const;
+    void connectClipboard();
+
     bool display = false;
     int32_t pointerX = 0;
     int32_t pointerY = 0;
     bool pointerKnown = false;
     uint32_t pointerTime = 0;
+    int32_t cursorShape = 0;
+    bool cursorVisible = true;
+    std::vector<KGtkWindowHandle*> handles;
+    std::vector<std::vector<std::string>> drops;
 };

@@ -2,6 +2,7 @@
 
 #include "windowing/KEventTranslator.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -133,24 +134,30 @@ void KFakeNativeLayer::setCursor(int32_t x, int32_t y)
     cursorKnown = true;
 }
 
-void* KFakeNativeLayer::openWindow(KWindow& owner, const char* title, int32_t width, int32_t height)
+void* KFakeNativeLayer::openWindow(KWindow& owner, const KNativeWindowSpec& spec)
 {
     auto window = std::make_unique<Window>();
     window->owner = &owner;
-    window->title = title ? title : "";
-    window->width = width;
-    window->height = height;
+    window->spec = spec;
+    window->title = spec.title;
+    window->client = spec.client;
     openedWindows.push_back(std::move(window));
     return openedWindows.back().get();
 }
 
 void KFakeNativeLayer::closeWindow(void* handle)
 {
-    if (auto* window = const_cast<Window*>(windowOf(handle))) {
-        window->open = false;
-        window->visible = false;
-        window->owner = nullptr;
+    auto* window = const_cast<Window*>(windowOf(handle));
+    if (!window)
+        return;
+    window->open = false;
+    window->visible = false;
+    window->owner = nullptr;
+    for (auto& control : madeControls) {
+        if (control->window == handle)
+            control->alive = false;
     }
+    stacking.erase(std::remove(stacking.begin(), stacking.end(), handle), stacking.end());
 }
 
 void KFakeNativeLayer::showWindow(void* handle, bool visible)
@@ -163,6 +170,272 @@ void KFakeNativeLayer::setWindowTitle(void* handle, const char* title)
 {
     if (auto* window = const_cast<Window*>(windowOf(handle)))
         window->title = title ? title : "";
+}
+
+void KFakeNativeLayer::setWindowBounds(void* handle, const KNativeRect& client)
+{
+    if (auto* window = const_cast<Window*>(windowOf(handle)))
+        window->client = client;
+}
+
+void KFakeNativeLayer::restackWindows(const std::vector<void*>& backToFront)
+{
+    ++restacks;
+    stacking = backToFront;
+}
+
+void KFakeNativeLayer::setWindowEnabled(void* handle, bool enabled)
+{
+    if (auto* window = const_cast<Window*>(windowOf(handle)))
+        window->enabled = enabled;
+}
+
+void KFakeNativeLayer::setWindowModal(void* handle, bool modal)
+{
+    if (auto* window = const_cast<Window*>(windowOf(handle)))
+        window->modal = modal;
+}
+
+void KFakeNativeLayer::invalidateWindow(void* handle, const KNativeRect& area)
+{
+    if (auto* window = const_cast<Window*>(windowOf(handle))) {
+        ++window->invalidations;
+        window->lastInvalidated = area;
+    }
+}
+
+void KFakeNativeLayer::setWindowTooltip(void* handle, const char* text)
+{
+    if (auto* window = const_cast<Window*>(windowOf(handle)))
+        window->tooltip = text ? text : "";
+}
+
+void KFakeNativeLayer::screenSize(int32_t& width, int32_t& height) const
+{
+    width = screenWidth;
+    height = screenHeight;
+}
+
+void KFakeNativeLayer::setScreenSize(int32_t width, int32_t height)
+{
+    screenWidth = width;
+    screenHeight = height;
+}
+
+void KFakeNativeLayer::setDoubleClick(int32_t milliseconds, int32_t pixels)
+{
+    doubleClickMs = milliseconds;
+    doubleClickPixels = pixels;
+}
+
+// --- Controls ------------------------------------------------------------------
+
+void* KFakeNativeLayer::createControl(void* window, const KNativeControlSpec& spec)
+{
+    if (!windowOf(window))
+        return nullptr;
+    auto control = std::make_unique<Control>();
+    control->window = window;
+    control->spec = spec;
+    control->text = spec.text;
+    control->bounds = spec.bounds;
+    madeControls.push_back(std::move(control));
+    return madeControls.back().get();
+}
+
+const KFakeNativeLayer::Control* KFakeNativeLayer::controlOf(void* handle) const
+{
+    for (auto& control : madeControls) {
+        if (control.get() == handle)
+            return control.get();
+    }
+    return nullptr;
+}
+
+std::vector<const KFakeNativeLayer::Control*> KFakeNativeLayer::controlsOf(void* window) const
+{
+    std::vector<const Control*> list;
+    for (auto& control : madeControls) {
+        if (control->window == window && control->alive)
+            list.push_back(control.get());
+    }
+    return list;
+}
+
+void KFakeNativeLayer::destroyControl(void* handle)
+{
+    if (auto* control = const_cast<Control*>(controlOf(handle)))
+        control->alive = false;
+}
+
+void KFakeNativeLayer::setControlBounds(void* handle, const KNativeRect& bounds)
+{
+    if (auto* control = const_cast<Control*>(controlOf(handle)))
+        control->bounds = bounds;
+}
+
+void KFakeNativeLayer::setControlText(void* handle, const char* text)
+{
+    if (auto* control = const_cast<Control*>(controlOf(handle)))
+        control->text = text ? text : "";
+}
+
+void KFakeNativeLayer::setControlEnabled(void* handle, bool enabled)
+{
+    if (auto* control = const_cast<Control*>(controlOf(handle)))
+        control->enabled = enabled;
+}
+
+void KFakeNativeLayer::setControlVisible(void* handle, bool visible)
+{
+    if (auto* control = const_cast<Control*>(controlOf(handle)))
+        control->visible = visible;
+}
+
+void KFakeNativeLayer::clickControl(void* handle)
+{
+    const Control* control = controlOf(handle);
+    const Window* window = control ? windowOf(control->window) : nullptr;
+    if (!control || !control->alive || !control->enabled || !window || !window->owner)
+        return;
+    KNativeRecord record;
+    record.window = window->owner;
+    record.message = KNativeMessage::Command;
+    record.param1 = KControlNotification::Clicked;
+    record.param2 = control->spec.tag;
+    record.time = clock;
+    kksDeliverNativeRecord(record);
+}
+
+// --- Clipboard -------------------------------------------------------------------
+
+bool KFakeNativeLayer::setClipboard(const KNativeClipboardContent& content)
+{
+    clipboardContent = content;
+    return true;
+}
+
+bool KFakeNativeLayer::clipboardHasFormat(const char* format)
+{
+    if (std::strcmp(format, kClipboardText) == 0)
+        return clipboardContent.hasText;
+    if (std::strcmp(format, kClipboardImage) == 0)
+        return clipboardContent.hasImage;
+    for (auto& entry : clipboardContent.formats) {
+        if (entry.first == format)
+            return true;
+    }
+    return false;
+}
+
+bool KFakeNativeLayer::clipboardText(std::string& text)
+{
+    if (!clipboardContent.hasText)
+        return false;
+    text = clipboardContent.text;
+    return true;
+}
+
+bool KFakeNativeLayer::clipboardImage(KNativeImageData& image)
+{
+    if (!clipboardContent.hasImage)
+        return false;
+    image = clipboardContent.image;
+    return true;
+}
+
+bool KFakeNativeLayer::clipboardData(const char* format, std::vector<uint8_t>& data)
+{
+    for (auto& entry : clipboardContent.formats) {
+        if (entry.first == format) {
+            data = entry.second;
+            return true;
+        }
+    }
+    return false;
+}
+
+// --- Choosers and boxes --------------------------------------------------------------
+
+bool KFakeNativeLayer::chooseFile(const KNativeChooserSpec& spec, std::string& path)
+{
+    choosers.push_back(spec);
+    if (chooserAnswers.empty())
+        return false;
+    ChooserAnswer answer = chooserAnswers.front();
+    chooserAnswers.pop_front();
+    if (answer.accept)
+        path = answer.path;
+    return answer.accept;
+}
+
+bool KFakeNativeLayer::chooseColour(const char*, KNativeColour& colour)
+{
+    ++colourAsks;
+    if (colourAnswers.empty())
+        return false;
+    colour = colourAnswers.front();
+    colourAnswers.pop_front();
+    return true;
+}
+
+int32_t KFakeNativeLayer::messageBox(const KNativeAlertSpec& alert)
+{
+    shownAlerts.push_back(alert);
+    if (boxAnswers.empty()) {
+        switch (alert.style) {
+        case KNativeAlertSpec::YesNo:
+            return KNativeAnswer::Yes;
+        case KNativeAlertSpec::YesNoDefaultNo:
+            return KNativeAnswer::No;
+        case KNativeAlertSpec::YesNoCancel:
+        case KNativeAlertSpec::OkCancel:
+            return KNativeAnswer::Cancel;
+        default:
+            return KNativeAnswer::Ok;
+        }
+    }
+    int32_t answer = boxAnswers.front();
+    boxAnswers.pop_front();
+    return answer;
+}
+
+// --- Message slots --------------------------------------------------------------------
+
+bool KFakeNativeLayer::openMessageSlot(const char* name)
+{
+    if (std::find(heldSlots.begin(), heldSlots.end(), name) != heldSlots.end())
+        return false;
+    slotName = name;
+    slots[slotName].clear();
+    return true;
+}
+
+void KFakeNativeLayer::closeMessageSlot() { slotName.clear(); }
+
+int32_t KFakeNativeLayer::nextSlotMessageSize()
+{
+    if (slotName.empty() || slots[slotName].empty())
+        return -1;
+    return static_cast<int32_t>(slots[slotName].front().size());
+}
+
+int32_t KFakeNativeLayer::readSlotMessage(char* buffer, int32_t size)
+{
+    if (slotName.empty() || slots[slotName].empty() || size < 0)
+        return -1;
+    std::string message = slots[slotName].front();
+    slots[slotName].pop_front();
+    std::memcpy(buffer, message.data(), std::min(message.size(), size_t(size)));
+    return static_cast<int32_t>(message.size());
+}
+
+bool KFakeNativeLayer::sendSlotMessages(const char* name, const std::vector<std::string>& messages)
+{
+    auto& queue = slots[name];
+    for (auto& message : messages)
+        queue.push_back(message);
+    return true;
 }
 
 bool KFakeNativeLayer::droppedFile(int32_t drop, char* buffer, int32_t size)

@@ -3,6 +3,8 @@
 #include "windowing/KNativeLayer.h"
 #include "windowing/KNativeRecord.h"
 
+#include <deque>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -11,7 +13,9 @@
 // fills, time from a clock that moves only when told (or when the loop
 // waits, by the time it waits), and windows are plain records. If the loop
 // would wait forever with nothing scripted, the layer reports it through the
-// stuck procedure and ends the loop instead of hanging.
+// stuck procedure and ends the loop instead of hanging. Choosers and message
+// boxes take scripted answers and are recorded; the clipboard and the
+// message slots are kept in memory.
 class KFakeNativeLayer : public KNativeLayer {
 public:
     struct Turn {
@@ -20,11 +24,30 @@ public:
     };
     struct Window {
         KWindow* owner = nullptr;
+        KNativeWindowSpec spec;
         std::string title;
-        int32_t width = 0;
-        int32_t height = 0;
+        KNativeRect client;
         bool visible = false;
         bool open = true;
+        bool enabled = true;
+        bool modal = false;
+        std::string tooltip;
+        int32_t invalidations = 0;
+        KNativeRect lastInvalidated;
+    };
+    struct Control {
+        void* window = nullptr;
+        KNativeControlSpec spec;
+        std::string text;
+        KNativeRect bounds;
+        bool enabled = true;
+        bool visible = true;
+        bool alive = true;
+    };
+    // What a chooser answers: a path, or a cancel.
+    struct ChooserAnswer {
+        bool accept = false;
+        std::string path;
     };
     using StuckProc = void (*)(const char* message);
 
@@ -41,10 +64,42 @@ public:
     int32_t modifierState() const override { return modifiers; }
     bool cursorPosition(int32_t& x, int32_t& y) override;
     bool hasDisplay() const override { return false; }
-    void* openWindow(KWindow& owner, const char* title, int32_t width, int32_t height) override;
+    void* openWindow(KWindow& owner, const KNativeWindowSpec& spec) override;
     void closeWindow(void* handle) override;
     void showWindow(void* handle, bool visible) override;
     void setWindowTitle(void* handle, const char* title) override;
+    void setWindowBounds(void* handle, const KNativeRect& client) override;
+    void restackWindows(const std::vector<void*>& backToFront) override;
+    void setWindowEnabled(void* handle, bool enabled) override;
+    void setWindowModal(void* handle, bool modal) override;
+    void invalidateWindow(void* handle, const KNativeRect& area) override;
+    void setWindowTooltip(void* handle, const char* text) override;
+    void screenSize(int32_t& width, int32_t& height) const override;
+    void* createControl(void* window, const KNativeControlSpec& spec) override;
+    void destroyControl(void* control) override;
+    void setControlBounds(void* control, const KNativeRect& bounds) override;
+    void setControlText(void* control, const char* text) override;
+    void setControlEnabled(void* control, bool enabled) override;
+    void setControlVisible(void* control, bool visible) override;
+    int32_t doubleClickTime() const override { return doubleClickMs; }
+    int32_t doubleClickDistance() const override { return doubleClickPixels; }
+    void setCursorShape(int32_t shape) override { cursorShapeValue = shape; }
+    void setCursorVisible(bool visible) override { cursorVisibleValue = visible; }
+    bool setClipboard(const KNativeClipboardContent& content) override;
+    bool clipboardHasFormat(const char* format) override;
+    bool clipboardText(std::string& text) override;
+    bool clipboardImage(KNativeImageData& image) override;
+    bool clipboardData(const char* format, std::vector<uint8_t>& data) override;
+    void storeClipboard() override { ++clipboardStores; }
+    bool chooseFile(const KNativeChooserSpec& spec, std::string& path) override;
+    bool chooseColour(const char* title, KNativeColour& colour) override;
+    int32_t messageBox(const KNativeAlertSpec& alert) override;
+    void beep() override { ++beeps; }
+    bool openMessageSlot(const char* name) override;
+    void closeMessageSlot() override;
+    int32_t nextSlotMessageSize() override;
+    int32_t readSlotMessage(char* buffer, int32_t size) override;
+    bool sendSlotMessages(const char* name, const std::vector<std::string>& messages) override;
     bool droppedFile(int32_t drop, char* buffer, int32_t size) override;
 
     // Delivered on the next turn, in the order scripted.
@@ -75,6 +130,43 @@ public:
     const Window* windowOf(void* handle) const;
     // Every window opened so far, closed ones included.
     std::vector<const Window*> windows() const;
+    // The open windows, back to front, as last stacked.
+    const std::vector<void*>& stackOrder() const { return stacking; }
+    int32_t restackCount() const { return restacks; }
+    const Control* controlOf(void* handle) const;
+    // The live controls of a window, in the order made.
+    std::vector<const Control*> controlsOf(void* window) const;
+    // What the native side does on a click of a control: a Command record
+    // with the control's tag, delivered at once.
+    void clickControl(void* control);
+
+    void setScreenSize(int32_t width, int32_t height);
+    void setDoubleClick(int32_t milliseconds, int32_t pixels);
+    int32_t cursorShape() const { return cursorShapeValue; }
+    bool cursorVisible() const { return cursorVisibleValue; }
+
+    // Answers of the next choosers, in order; a chooser without a scripted
+    // answer is cancelled.
+    void answerChooser(const ChooserAnswer& answer) { chooserAnswers.push_back(answer); }
+    void answerColour(const KNativeColour& colour) { colourAnswers.push_back(colour); }
+    const std::vector<KNativeChooserSpec>& chooserRequests() const { return choosers; }
+    int32_t colourRequests() const { return colourAsks; }
+    // Answers (KNativeAnswer) of the next message boxes; without one a box
+    // takes its default.
+    void answerMessageBox(int32_t answer) { boxAnswers.push_back(answer); }
+    const std::vector<KNativeAlertSpec>& alerts() const { return shownAlerts; }
+    int32_t beepCount() const { return beeps; }
+
+    const KNativeClipboardContent& clipboard() const { return clipboardContent; }
+    // What another program put on the clipboard.
+    void setClipboardFromOutside(const KNativeClipboardContent& content) { clipboardContent = content; }
+    int32_t clipboardStoreCount() const { return clipboardStores; }
+
+    const std::string& openSlotName() const { return slotName; }
+    // The messages waiting in the slot of the name.
+    const std::deque<std::string>& slotMessages(const std::string& name) { return slots[name]; }
+    // Names refused as if another program held them.
+    void holdSlotElsewhere(const std::string& name) { heldSlots.push_back(name); }
 
 private:
     struct Entry {
@@ -107,4 +199,25 @@ private:
     std::vector<Turn> recordedTurns;
     std::vector<std::unique_ptr<Window>> openedWindows;
     std::vector<std::vector<std::string>> drops;
+    std::vector<void*> stacking;
+    int32_t restacks = 0;
+    std::vector<std::unique_ptr<Control>> madeControls;
+    int32_t screenWidth = 1280;
+    int32_t screenHeight = 1024;
+    int32_t doubleClickMs = 500;
+    int32_t doubleClickPixels = 4;
+    int32_t cursorShapeValue = 0;
+    bool cursorVisibleValue = true;
+    KNativeClipboardContent clipboardContent;
+    int32_t clipboardStores = 0;
+    std::deque<ChooserAnswer> chooserAnswers;
+    std::deque<KNativeColour> colourAnswers;
+    std::vector<KNativeChooserSpec> choosers;
+    int32_t colourAsks = 0;
+    std::deque<int32_t> boxAnswers;
+    std::vector<KNativeAlertSpec> shownAlerts;
+    int32_t beeps = 0;
+    std::string slotName;
+    std::map<std::string, std::deque<std::string>> slots;
+    std::vector<std::string> heldSlots;
 };

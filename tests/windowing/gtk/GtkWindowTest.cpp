@@ -21,7 +21,7 @@ public:
     TitledWindow()
     {
         setTitle("TaleLoom");
-        setFrame({ 0, 0, 400, 300 });
+        setBounds(KGraphicRectangle(0, 0, 400, 300));
     }
 };
 K_DEFINE_CLASS(TitledWindow, KWindow)

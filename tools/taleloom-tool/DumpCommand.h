@@ -1,0 +1,18 @@
+#pragma once
+
+#include "tools/taleloom-tool/ToolCommand.h"
+
+#include <string>
+
+// taleloom-tool dump [--sections] FILE
+//
+// Without --sections: reads FILE as a document whatever its magic and writes
+// its head and named entries as JSON. Objects of classes this program does
+// not know show as {"class": null, "classId": N}.
+// With --sections: writes the raw frame tree (see FrameTree.h).
+ToolCommand dumpCommand();
+
+// The JSON of the document in `path` (a UTF-8 file name), ending in a line
+// break. False with a one-line `reason` when the file cannot be read, is no
+// document, or is damaged.
+bool dumpDocumentJson(const std::string& path, std::string& json, std::string& reason);

@@ -1,0 +1,126 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+// The plain records that travel through the native layer's interface. Text
+// in them is in the framework's 8-bit set; the native side converts it.
+
+// A rectangle in pixels: client areas are in screen terms, controls in
+// their window's.
+struct KNativeRect {
+    int32_t x = 0;
+    int32_t y = 0;
+    int32_t width = 0;
+    int32_t height = 0;
+
+    bool operator==(const KNativeRect& other) const
+    {
+        return x == other.x && y == other.y && width == other.width && height == other.height;
+    }
+};
+
+// What kind of frame a window lives in. A palette floats over the main
+// window and stays off the task bar; a dialog belongs to the window it was
+// opened over.
+enum class KNativeWindowKind : int32_t { Normal = 0, Palette = 1, Dialog = 2 };
+
+struct KNativeWindowSpec {
+    KNativeWindowKind kind = KNativeWindowKind::Normal;
+    std::string title;
+    // The client area; its origin is where the window goes on the screen.
+    KNativeRect client;
+    // The window this one is transient for, or null.
+    void* parent = nullptr;
+    bool closable = true;
+    bool resizable = true;
+    bool centreOnParent = false;
+};
+
+enum class KNativeControlKind : int32_t { Button = 0, StaticText = 1 };
+
+struct KNativeControlSpec {
+    KNativeControlKind kind = KNativeControlKind::Button;
+    std::string text;
+    KNativeRect bounds;
+    // The number the control's notifications carry (param2 of a Command
+    // record); never 0.
+    int32_t tag = 0;
+    bool isDefault = false;
+};
+
+// Notification codes of a Command record from a control (param1).
+namespace KControlNotification {
+enum : int32_t { Clicked = 0 };
+}
+
+// The cursor shapes the cursor manager asks for.
+namespace KCursorShape {
+enum : int32_t { Normal = 0, Wait = 1, Cross = 2, Hand = 3, Text = 4 };
+}
+
+struct KNativeFileFilter {
+    std::string name;
+    // Without the dot; matched without regard to case.
+    std::vector<std::string> extensions;
+};
+
+struct KNativeChooserSpec {
+    enum Mode : int32_t { Open = 0, Save = 1, Folder = 2 };
+    Mode mode = Open;
+    std::string title;
+    // Where the chooser starts, or empty.
+    std::string folder;
+    // The name a save proposes.
+    std::string name;
+    std::vector<KNativeFileFilter> filters;
+};
+
+struct KNativeColour {
+    uint16_t red = 0;
+    uint16_t green = 0;
+    uint16_t blue = 0;
+};
+
+// A message box: its buttons and what it answers.
+struct KNativeAlertSpec {
+    enum Style : int32_t {
+        Information = 0,
+        YesNo = 1,
+        // Yes and No with No as the default button.
+        YesNoDefaultNo = 2,
+        YesNoCancel = 3,
+        OkCancel = 4,
+        Error = 5,
+    };
+    Style style = Information;
+    std::string title;
+    std::string text;
+};
+
+namespace KNativeAnswer {
+enum : int32_t { Cancel = 1, Yes = 2, No = 3, Ok = 4 };
+}
+
+// Pixels of a clipboard image: 0x00RRGGBB, row by row.
+struct KNativeImageData {
+    int32_t width = 0;
+    int32_t height = 0;
+    std::vector<uint32_t> pixels;
+};
+
+// Everything the program puts on the clipboard at once: text, an image and
+// its private formats, each under its own target name.
+struct KNativeClipboardContent {
+    bool hasText = false;
+    std::string text;
+    bool hasImage = false;
+    KNativeImageData image;
+    std::vector<std::pair<std::string, std::vector<uint8_t>>> formats;
+};
+
+// The two standard formats by name, for clipboardHasFormat.
+inline constexpr const char* kClipboardText = "TEXT";
+inline constexpr const char* kClipboardImage = "IMAGE";

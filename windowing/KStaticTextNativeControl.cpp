@@ -1,0 +1,22 @@
+#include "windowing/KStaticTextNativeControl.h"
+
+#include "kernel/KClass.h"
+
+K_DEFINE_CLASS(KStaticTextNativeControl, KControl)
+
+KStaticTextNativeControl::KStaticTextNativeControl() = default;
+
+KStaticTextNativeControl::KStaticTextNativeControl(const KString& text, const KWideRectangle& bounds)
+{
+    setText(text);
+    setPosition(bounds.getOrigin());
+    setSize(bounds.getSize());
+}
+
+KStaticTextNativeControl::~KStaticTextNativeControl() = default;
+
+bool KStaticTextNativeControl::describeNative(KNativeControlSpec& spec) const
+{
+    spec.kind = KNativeControlKind::StaticText;
+    return true;
+}

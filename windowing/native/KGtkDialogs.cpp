@@ -1,0 +1,234 @@
+#include "windowing/native/KGtkDialogs.h"
+
+#include "kernel/KErrorHandler.h"
+#include "windowing/KEvent.h"
+#include "windowing/native/KGtkNativeLayer.h"
+#include "windowing/native/KGtkText.h"
+
+#include <gtk/gtk.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// While a native dialog runs its own loop, every framework event is
+// refused as handled.
+class NativeModalGuard {
+public:
+    explicit NativeModalGuard(GtkWidget* dialog) { KEvent::setNativeModalWindow(dialog); }
+    ~NativeModalGuard() { KEvent::setNativeModalWindow(nullptr); }
+    NativeModalGuard(const NativeModalGuard&) = delete;
+    NativeModalGuard& operator=(const NativeModalGuard&) = delete;
+};
+
+gint runDialog(GtkWidget* dialog)
+{
+    NativeModalGuard guard(dialog);
+    return gtk_dialog_run(GTK_DIALOG(dialog));
+}
+
+void showGtkMessage(const char* text, const char* caption, int32_t flags)
+{
+    GtkMessageType type = flags == KErrorHandler::kFatalBoxFlags ? GTK_MESSAGE_ERROR : GTK_MESSAGE_INFO;
+    std::string body = kToUtf8(text);
+    GtkWidget* dialog = gtk_message_dialog_new(nullptr, GTK_DIALOG_MODAL, type, GTK_BUTTONS_OK, "%s", body.c_str());
+    gtk_window_set_title(GTK_WINDOW(dialog), kToUtf8(caption).c_str());
+    gtk_window_set_keep_above(GTK_WINDOW(dialog), TRUE);
+    runDialog(dialog);
+    gtk_widget_destroy(dialog);
+}
+
+// "*.[pP][nN][gG]": the chooser's patterns are case sensitive.
+std::string anyCasePattern(const std::string& extension)
+{
+    std::string pattern = "*.";
+    for (char c : extension) {
+        char lower = g_ascii_tolower(c);
+        char upper = g_ascii_toupper(c);
+        if (lower == upper) {
+            pattern += c;
+        } else {
+            pattern += '[';
+            pattern += lower;
+            pattern += upper;
+            pattern += ']';
+        }
+    }
+    return pattern;
+}
+
+void addFilters(GtkFileChooser* chooser, const KNativeChooserSpec& spec)
+{
+    for (const KNativeFileFilter& wanted : spec.filters) {
+        GtkFileFilter* filter = gtk_file_filter_new();
+        gtk_file_filter_set_name(filter, kToUtf8(wanted.name.c_str()).c_str());
+        for (const std::string& extension : wanted.extensions)
+            gtk_file_filter_add_pattern(filter, anyCasePattern(extension).c_str());
+        gtk_file_chooser_add_filter(chooser, filter);
+    }
+}
+
+std::string fileName(const std::string& windowsText)
+{
+    std::string utf8 = kToUtf8(windowsText.c_str());
+    gchar* name = g_filename_from_utf8(utf8.c_str(), -1, nullptr, nullptr, nullptr);
+    std::string result = name ? name : utf8;
+    g_free(name);
+    return result;
+}
+
+std::string windowsText(const gchar* fileName)
+{
+    gchar* utf8 = g_filename_to_utf8(fileName, -1, nullptr, nullptr, nullptr);
+    std::string result = kFromUtf8(utf8 ? utf8 : fileName);
+    g_free(utf8);
+    return result;
+}
+
+GtkFileChooserAction chooserAction(KNativeChooserSpec::Mode mode)
+{
+    switch (mode) {
+    case KNativeChooserSpec::Save:
+        return GTK_FILE_CHOOSER_ACTION_SAVE;
+    case KNativeChooserSpec::Folder:
+        return GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER;
+    default:
+        return GTK_FILE_CHOOSER_ACTION_OPEN;
+    }
+}
+
+const char* acceptLabel(KNativeChooserSpec::Mode mode)
+{
+    switch (mode) {
+    case KNativeChooserSpec::Save:
+        return "_Save";
+    case KNativeChooserSpec::Folder:
+        return "_Select";
+    default:
+        return "_Open";
+    }
+}
+
+uint16_t channel(double value) { return uint16_t(std::lround(std::clamp(value, 0.0, 1.0) * 65535.0)); }
+
+void addButtons(GtkWidget* dialog, KNativeAlertSpec::Style style)
+{
+    switch (style) {
+    case KNativeAlertSpec::YesNo:
+    case KNativeAlertSpec::YesNoDefaultNo:
+        gtk_dialog_add_button(GTK_DIALOG(dialog), "_No", GTK_RESPONSE_NO);
+        gtk_dialog_add_button(GTK_DIALOG(dialog), "_Yes", GTK_RESPONSE_YES);
+        gtk_dialog_set_default_response(GTK_DIALOG(dialog),
+                                        style == KNativeAlertSpec::YesNo ? GTK_RESPONSE_YES : GTK_RESPONSE_NO);
+        break;
+    case KNativeAlertSpec::YesNoCancel:
+        gtk_dialog_add_button(GTK_DIALOG(dialog), "_Cancel", GTK_RESPONSE_CANCEL);
+        gtk_dialog_add_button(GTK_DIALOG(dialog), "_No", GTK_RESPONSE_NO);
+        gtk_dialog_add_button(GTK_DIALOG(dialog), "_Yes", GTK_RESPONSE_YES);
+        gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_YES);
+        break;
+    case KNativeAlertSpec::OkCancel:
+        gtk_dialog_add_button(GTK_DIALOG(dialog), "_Cancel", GTK_RESPONSE_CANCEL);
+        gtk_dialog_add_button(GTK_DIALOG(dialog), "_OK", GTK_RESPONSE_OK);
+        gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_OK);
+        break;
+    default:
+        gtk_dialog_add_button(GTK_DIALOG(dialog), "_OK", GTK_RESPONSE_OK);
+        gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_OK);
+        break;
+    }
+}
+
+int32_t answerOf(gint response, KNativeAlertSpec::Style style)
+{
+    switch (response) {
+    case GTK_RESPONSE_YES:
+        return KNativeAnswer::Yes;
+    case GTK_RESPONSE_NO:
+        return KNativeAnswer::No;
+    case GTK_RESPONSE_OK:
+        return KNativeAnswer::Ok;
+    default:
+        // Closing the box: "no" where there is no cancel.
+        if (style == KNativeAlertSpec::YesNo || style == KNativeAlertSpec::YesNoDefaultNo)
+            return KNativeAnswer::No;
+        if (style == KNativeAlertSpec::Information || style == KNativeAlertSpec::Error)
+            return KNativeAnswer::Ok;
+        return KNativeAnswer::Cancel;
+    }
+}
+
+} // namespace
+
+void installGtkMessageProc(bool install) { KErrorHandler::setMessageProc(install ? &showGtkMessage : nullptr); }
+
+bool KGtkNativeLayer::chooseFile(const KNativeChooserSpec& spec, std::string& path)
+{
+    if (!hasDisplay())
+        return false;
+    GtkWindow* parent = GTK_WINDOW(dialogParent());
+    GtkWidget* dialog = gtk_file_chooser_dialog_new(kToUtf8(spec.title.c_str()).c_str(), parent,
+                                                    chooserAction(spec.mode), "_Cancel", GTK_RESPONSE_CANCEL,
+                                                    acceptLabel(spec.mode), GTK_RESPONSE_ACCEPT, nullptr);
+    GtkFileChooser* chooser = GTK_FILE_CHOOSER(dialog);
+    gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
+    if (spec.mode == KNativeChooserSpec::Save)
+        gtk_file_chooser_set_do_overwrite_confirmation(chooser, TRUE);
+    if (!spec.folder.empty())
+        gtk_file_chooser_set_current_folder(chooser, fileName(spec.folder).c_str());
+    if (spec.mode == KNativeChooserSpec::Save && !spec.name.empty())
+        gtk_file_chooser_set_current_name(chooser, kToUtf8(spec.name.c_str()).c_str());
+    addFilters(chooser, spec);
+    bool accepted = runDialog(dialog) == GTK_RESPONSE_ACCEPT;
+    if (accepted) {
+        gchar* chosen = gtk_file_chooser_get_filename(chooser);
+        accepted = chosen != nullptr;
+        if (chosen)
+            path = windowsText(chosen);
+        g_free(chosen);
+    }
+    gtk_widget_destroy(dialog);
+    return accepted;
+}
+
+bool KGtkNativeLayer::chooseColour(const char* title, KNativeColour& colour)
+{
+    if (!hasDisplay())
+        return false;
+    GtkWidget* dialog = gtk_color_chooser_dialog_new(kToUtf8(title).c_str(), GTK_WINDOW(dialogParent()));
+    GdkRGBA rgba { colour.red / 65535.0, colour.green / 65535.0, colour.blue / 65535.0, 1.0 };
+    gtk_color_chooser_set_use_alpha(GTK_COLOR_CHOOSER(dialog), FALSE);
+    gtk_color_chooser_set_rgba(GTK_COLOR_CHOOSER(dialog), &rgba);
+    bool accepted = runDialog(dialog) == GTK_RESPONSE_OK;
+    if (accepted) {
+        gtk_color_chooser_get_rgba(GTK_COLOR_CHOOSER(dialog), &rgba);
+        colour = { channel(rgba.red), channel(rgba.green), channel(rgba.blue) };
+    }
+    gtk_widget_destroy(dialog);
+    return accepted;
+}
+
+int32_t KGtkNativeLayer::messageBox(const KNativeAlertSpec& alert)
+{
+    if (!hasDisplay())
+        return KGLibNativeLayer::messageBox(alert);
+    GtkMessageType type = GTK_MESSAGE_INFO;
+    if (alert.style == KNativeAlertSpec::Error)
+        type = GTK_MESSAGE_ERROR;
+    else if (alert.style != KNativeAlertSpec::Information)
+        type = GTK_MESSAGE_QUESTION;
+    GtkWidget* dialog = gtk_message_dialog_new(GTK_WINDOW(dialogParent()), GTK_DIALOG_MODAL, type, GTK_BUTTONS_NONE,
+                                               "%s", kToUtf8(alert.text.c_str()).c_str());
+    gtk_window_set_title(GTK_WINDOW(dialog), kToUtf8(alert.title.c_str()).c_str());
+    addButtons(dialog, alert.style);
+    int32_t answer = answerOf(runDialog(dialog), alert.style);
+    gtk_widget_destroy(dialog);
+    return answer;
+}
+
+void KGtkNativeLayer::beep()
+{
+    if (hasDisplay())
+        gdk_display_beep(gdk_display_get_default());
+}
