@@ -30,7 +30,7 @@ function(taleloom_test_suite name)
     target_link_libraries(${name}_tests PRIVATE ${ARG_LIBS} taleloom_test_main)
     gtest_discover_tests(${name}_tests DISCOVERY_MODE PRE_TEST
       DISCOVERY_TIMEOUT 60
-      PROPERTIES ENVIRONMENT "TALELOOM_AUDIO=null;TALELOOM_TEST_SOURCE_DIR=${PROJECT_SOURCE_DIR}" TIMEOUT 300)
+      PROPERTIES ENVIRONMENT "TALELOOM_AUDIO=null" TIMEOUT 300)
   endif()
   file(GLOB gtk_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/gtk/*.cpp)
   if(gtk_sources)

@@ -16,6 +16,8 @@
 #include "kernel/KFileType.h"
 #include "kernel/KFlagSet.h"
 #include "kernel/KIndexedBag.h"
+#include "kernel/KLocalizer.h"
+#include "kernel/KLocalizerString.h"
 #include "kernel/KMemoryBlock.h"
 #include "kernel/KNamedBag.h"
 #include "kernel/KNativePtr.h"
@@ -78,4 +80,6 @@ void kRegisterKernelClasses()
     KFileSystem::registerClass();
     KFileType::registerClass();
     KDocument::registerClass();
+    KLocalizerString::registerClass();
+    KLocalizer::registerClass();
 }

@@ -11,6 +11,7 @@
 #include "kmultimedia/KSpriteSystem.h"
 #include "windowing/KControl.h"
 #include "windowing/KMouseEvent.h"
+#include "windowing/KWindow.h"
 
 #include <algorithm>
 
@@ -81,6 +82,8 @@ void EditSprite::clearGraphicObject()
 void EditSprite::setTextControl(KControl& control) { textControl = control; }
 
 void EditSprite::clearTextControl() { textControl.clear(); }
+
+KControl* EditSprite::getTextControl() const { return textControl.get(); }
 
 KSpriteSystem* EditSprite::spriteSystem() const { return layer ? layer->getSystem() : nullptr; }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "graphics/KGraphicObject.h"
 #include "graphics/KGraphicPoint.h"
 #include "graphics/KGraphicRectangle.h"
 #include "graphics/KGraphicSize.h"
@@ -85,7 +86,7 @@ public:
     bool isKeepingAspect() const { return keepAspect != 0; }
     float getAspectRatio() const { return aspectRatio; }
     KGraphicObject* getGraphicObject() const { return graphicObject.get(); }
-    KControl* getTextControl() const { return textControl.get(); }
+    KControl* getTextControl() const;
 
 private:
     struct Extent {

@@ -8,6 +8,18 @@
 #include "kmultimedia/KAnimationSystem.h"
 #include "kmultimedia/KAnimationVector.h"
 #include "kmultimedia/KBresenham.h"
+#include "kmultimedia/KAbstractMedia.h"
+#include "kmultimedia/KMediaFeedbackEvent.h"
+#include "kmultimedia/KMediaManager.h"
+#include "kmultimedia/KMediaSupport.h"
+#include "kmultimedia/KMovie.h"
+#include "kmultimedia/KMovieSupport.h"
+#include "kmultimedia/EditSprite.h"
+#include "kmultimedia/EditSpriteLayer.h"
+#include "kmultimedia/KSprite.h"
+#include "kmultimedia/KSpriteLayer.h"
+#include "kmultimedia/KSpriteSystem.h"
+#include "kmultimedia/StylusSpriteSystem.h"
 #include "windowing/KWindowingClasses.h"
 
 void kRegisterMultimediaClasses()
@@ -22,4 +34,16 @@ void kRegisterMultimediaClasses()
     KAnimationController::registerClass();
     KAnimationObject::registerClass();
     KAnimationSystem::registerClass();
+    KSprite::registerClass();
+    KSpriteLayer::registerClass();
+    KSpriteSystem::registerClass();
+    EditSprite::registerClass();
+    EditSpriteLayer::registerClass();
+    StylusSpriteSystem::registerClass();
+    KAbstractMedia::registerClass();
+    KMediaFeedbackEvent::registerClass();
+    KMediaManager::registerClass();
+    KMovie::registerClass();
+    KMediaSupport::registerClass();
+    KMovieSupport::registerClass();
 }

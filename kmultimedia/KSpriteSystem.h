@@ -1,6 +1,7 @@
 #pragma once
 
 #include "graphics/KGraphicRectangle.h"
+#include "graphics/KImage.h"
 #include "kernel/KBag.h"
 #include "kmultimedia/KAnimationSystem.h"
 #include "kmultimedia/KMultimediaForward.h"

@@ -14,13 +14,13 @@ KGraphicRectangle& defaultRectangle()
     return rectangle;
 }
 
-int32_t ask(KNativeAlertSpec::Style style, const KString& title, const KString& text)
+int32_t ask(KNativeAlertRequest::Style style, const KString& title, const KString& text)
 {
-    KNativeAlertSpec spec;
-    spec.style = style;
-    spec.title = title.c_str();
-    spec.text = text.c_str();
-    return KNativeLayer::get().messageBox(spec);
+    KNativeAlertRequest setup;
+    setup.style = style;
+    setup.title = title.c_str();
+    setup.text = text.c_str();
+    return KNativeLayer::get().messageBox(setup);
 }
 
 } // namespace
@@ -71,21 +71,21 @@ const KGraphicRectangle& KAlert::getDefaultRectangle() { return defaultRectangle
 
 void KAlert::setDefaultRectangle(const KGraphicRectangle& rectangle) { defaultRectangle() = rectangle; }
 
-void alert(const KString& title, const KString& text) { ask(KNativeAlertSpec::Information, title, text); }
+void alert(const KString& title, const KString& text) { ask(KNativeAlertRequest::Information, title, text); }
 
 int32_t askYesNo(const KString& title, const KString& text)
 {
-    return ask(KNativeAlertSpec::YesNo, title, text) == KNativeAnswer::Yes ? 2 : 3;
+    return ask(KNativeAlertRequest::YesNo, title, text) == KNativeAnswer::Yes ? 2 : 3;
 }
 
 int32_t askYesNoDefaultNo(const KString& title, const KString& text)
 {
-    return ask(KNativeAlertSpec::YesNoDefaultNo, title, text) == KNativeAnswer::Yes ? 2 : 3;
+    return ask(KNativeAlertRequest::YesNoDefaultNo, title, text) == KNativeAnswer::Yes ? 2 : 3;
 }
 
 int32_t askYesNoCancel(const KString& title, const KString& text)
 {
-    int32_t answer = ask(KNativeAlertSpec::YesNoCancel, title, text);
+    int32_t answer = ask(KNativeAlertRequest::YesNoCancel, title, text);
     if (answer == KNativeAnswer::Yes)
         return 2;
     return answer == KNativeAnswer::No ? 3 : 1;
@@ -93,7 +93,7 @@ int32_t askYesNoCancel(const KString& title, const KString& text)
 
 int32_t askOkCancel(const KString& title, const KString& text)
 {
-    return ask(KNativeAlertSpec::OkCancel, title, text) == KNativeAnswer::Ok ? 1 : 0;
+    return ask(KNativeAlertRequest::OkCancel, title, text) == KNativeAnswer::Ok ? 1 : 0;
 }
 
 void beep()

@@ -33,9 +33,9 @@ KEventReturn KButtonNativeControl::doNativeEvent(KNativeEvent& event)
     return 0;
 }
 
-bool KButtonNativeControl::describeNative(KNativeControlSpec& spec) const
+bool KButtonNativeControl::describeNative(KNativeControlSetup& setup) const
 {
-    spec.kind = KNativeControlKind::Button;
-    spec.isDefault = isDefaultButton;
+    setup.kind = KNativeControlKind::Button;
+    setup.isDefault = isDefaultButton;
     return true;
 }

@@ -22,7 +22,7 @@ public:
     KEventReturn doNativeEvent(KNativeEvent& event) override;
 
 protected:
-    bool describeNative(KNativeControlSpec& spec) const override;
+    bool describeNative(KNativeControlSetup& setup) const override;
 
 private:
     bool isDefaultButton = false;

@@ -214,18 +214,18 @@ void KControl::draw()
 
 // --- Native part ------------------------------------------------------------------
 
-bool KControl::describeNative(KNativeControlSpec&) const { return false; }
+bool KControl::describeNative(KNativeControlSetup&) const { return false; }
 
 void KControl::createNativePart()
 {
     KWindow* window = getWindow();
     if (!nativeControl && window && window->getNativeWindow()) {
-        KNativeControlSpec spec;
-        spec.tag = nativeTag;
-        spec.text = text.c_str();
-        spec.bounds = nativeRect(getWindowBounds());
-        if (describeNative(spec)) {
-            nativeControl = KNativeLayer::get().createControl(window->getNativeWindow(), spec);
+        KNativeControlSetup setup;
+        setup.tag = nativeTag;
+        setup.text = text.c_str();
+        setup.bounds = nativeRect(getWindowBounds());
+        if (describeNative(setup)) {
+            nativeControl = KNativeLayer::get().createControl(window->getNativeWindow(), setup);
             if (nativeControl) {
                 KNativeLayer::get().setControlEnabled(nativeControl, isEnabled());
                 KNativeLayer::get().setControlVisible(nativeControl, isVisible());

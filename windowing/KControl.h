@@ -72,7 +72,7 @@ public:
 
 protected:
     // Fills the native widget's description; false for a drawn control.
-    virtual bool describeNative(KNativeControlSpec& spec) const;
+    virtual bool describeNative(KNativeControlSetup& setup) const;
 
 private:
     void placeNative();

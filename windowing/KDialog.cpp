@@ -64,11 +64,11 @@ int32_t KDialog::slotOf(int32_t which)
 }
 
 // Over the front window: the main window unless a modal dialog is up.
-KNativeWindowSpec KDialog::makeNativeSpec() const
+KNativeWindowSetup KDialog::makeNativeSetup() const
 {
-    KNativeWindowSpec spec = KWindow::makeNativeSpec();
-    spec.kind = KNativeWindowKind::Dialog;
-    spec.centreOnParent = true;
+    KNativeWindowSetup setup = KWindow::makeNativeSetup();
+    setup.kind = KNativeWindowKind::Dialog;
+    setup.centreOnParent = true;
     KWindowManager* manager = KWindowManager::current();
     KApplication* application = KApplication::current();
     KWindow* owner = nullptr;
@@ -80,8 +80,8 @@ KNativeWindowSpec KDialog::makeNativeSpec() const
         owner = manager->frontWindow();
     if (owner == this)
         owner = nullptr;
-    spec.parent = owner ? owner->getNativeWindow() : nullptr;
-    return spec;
+    setup.parent = owner ? owner->getNativeWindow() : nullptr;
+    return setup;
 }
 
 void KDialog::open(int32_t mode) { open(mode, standardButtons); }
@@ -91,7 +91,7 @@ void KDialog::open(int32_t mode, int32_t bits)
     if (isOpen())
         knsFatalError("KDialog::open()", "Already Open.");
     standardButtons = bits;
-    openWith(mode, makeNativeSpec(), "KDialog::open(OpenMode Mode, long StandardButtons)");
+    openWith(mode, makeNativeSetup(), "KDialog::open(OpenMode Mode, long StandardButtons)");
     if (!isOpen())
         return;
     makeButtons();

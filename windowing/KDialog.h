@@ -60,7 +60,7 @@ public:
     bool wasOpenedBefore() const { return openedBefore != 0; }
 
 protected:
-    KNativeWindowSpec makeNativeSpec() const override;
+    KNativeWindowSetup makeNativeSetup() const override;
 
 private:
     static int32_t slotOf(int32_t which);

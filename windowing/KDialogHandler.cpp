@@ -50,16 +50,16 @@ bool KDialogHandler::makeFilter(KFileTypeID type, KNativeFileFilter& filter)
 }
 
 // The chooser starts in the folder of the reference, proposing its name.
-void KDialogHandler::startFrom(const KFileReference& file, KNativeChooserSpec& spec)
+void KDialogHandler::startFrom(const KFileReference& file, KNativeChooserRequest& request)
 {
     const KPath& path = file.getPath();
     if (path.isEmpty())
         return;
     if (path.getFolderCount() > 0)
-        spec.folder = path.getParent().getNativeText().c_str();
+        request.folder = path.getParent().getNativeText().c_str();
     KString name;
     path.getObjectName(name);
-    spec.name = name.c_str();
+    request.name = name.c_str();
 }
 
 bool KDialogHandler::doOpenDialog(KFileReference& file, const KString& title, KFileTypeID type)
@@ -72,18 +72,18 @@ bool KDialogHandler::doOpenDialog(KFileReference& file, const KString& title, KF
 
 bool KDialogHandler::doOpenDialog(KFileReference& file, const KString& title, const std::vector<KFileTypeID>& types)
 {
-    KNativeChooserSpec spec;
-    spec.mode = KNativeChooserSpec::Open;
-    spec.title = title.c_str();
-    startFrom(file, spec);
-    spec.name.clear();
+    KNativeChooserRequest request;
+    request.mode = KNativeChooserRequest::Open;
+    request.title = title.c_str();
+    startFrom(file, request);
+    request.name.clear();
     for (KFileTypeID type : types) {
         KNativeFileFilter filter;
         if (makeFilter(type, filter))
-            spec.filters.push_back(filter);
+            request.filters.push_back(filter);
     }
     std::string chosen;
-    if (!KNativeLayer::get().chooseFile(spec, chosen) || chosen.empty())
+    if (!KNativeLayer::get().chooseFile(request, chosen) || chosen.empty())
         return false;
     file.setPath(pathOf(chosen));
     return true;
@@ -91,16 +91,16 @@ bool KDialogHandler::doOpenDialog(KFileReference& file, const KString& title, co
 
 bool KDialogHandler::doSaveDialog(KFileReference& file, const KString& title, KFileTypeID type)
 {
-    KNativeChooserSpec spec;
-    spec.mode = KNativeChooserSpec::Save;
-    spec.title = title.c_str();
-    startFrom(file, spec);
+    KNativeChooserRequest request;
+    request.mode = KNativeChooserRequest::Save;
+    request.title = title.c_str();
+    startFrom(file, request);
     KNativeFileFilter filter;
     bool typed = makeFilter(type, filter);
     if (typed)
-        spec.filters.push_back(filter);
+        request.filters.push_back(filter);
     std::string chosen;
-    if (!KNativeLayer::get().chooseFile(spec, chosen) || chosen.empty())
+    if (!KNativeLayer::get().chooseFile(request, chosen) || chosen.empty())
         return false;
     if (typed && !hasExtension(chosen)) {
         chosen += '.';
@@ -112,13 +112,13 @@ bool KDialogHandler::doSaveDialog(KFileReference& file, const KString& title, KF
 
 bool KDialogHandler::doSelectDirectoryDialog(KDirectory& directory, const KString& title)
 {
-    KNativeChooserSpec spec;
-    spec.mode = KNativeChooserSpec::Folder;
-    spec.title = title.c_str();
+    KNativeChooserRequest request;
+    request.mode = KNativeChooserRequest::Folder;
+    request.title = title.c_str();
     if (!directory.getPath().isEmpty())
-        spec.folder = directory.getNativeText().c_str();
+        request.folder = directory.getNativeText().c_str();
     std::string chosen;
-    if (!KNativeLayer::get().chooseFile(spec, chosen) || chosen.empty())
+    if (!KNativeLayer::get().chooseFile(request, chosen) || chosen.empty())
         return false;
     if (chosen.back() != '/')
         chosen += '/';

@@ -34,5 +34,5 @@ public:
     static bool makeFilter(KFileTypeID type, KNativeFileFilter& filter);
 
 private:
-    static void startFrom(const KFileReference& file, KNativeChooserSpec& spec);
+    static void startFrom(const KFileReference& file, KNativeChooserRequest& request);
 };

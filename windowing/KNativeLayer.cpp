@@ -35,7 +35,7 @@ void KNativeLayer::screenSize(int32_t& width, int32_t& height) const
     height = 1024;
 }
 
-void* KNativeLayer::createControl(void*, const KNativeControlSpec&) { return nullptr; }
+void* KNativeLayer::createControl(void*, const KNativeControlSetup&) { return nullptr; }
 void KNativeLayer::destroyControl(void*) { }
 void KNativeLayer::setControlBounds(void*, const KNativeRect&) { }
 void KNativeLayer::setControlText(void*, const char*) { }
@@ -52,22 +52,22 @@ bool KNativeLayer::clipboardImage(KNativeImageData&) { return false; }
 bool KNativeLayer::clipboardData(const char*, std::vector<uint8_t>&) { return false; }
 void KNativeLayer::storeClipboard() { }
 
-bool KNativeLayer::chooseFile(const KNativeChooserSpec&, std::string&) { return false; }
+bool KNativeLayer::chooseFile(const KNativeChooserRequest&, std::string&) { return false; }
 bool KNativeLayer::chooseColour(const char*, KNativeColour&) { return false; }
 
 // A box nobody can see takes its default answer; the text still reaches
 // the terminal.
-int32_t KNativeLayer::messageBox(const KNativeAlertSpec& alert)
+int32_t KNativeLayer::messageBox(const KNativeAlertRequest& alert)
 {
     std::fprintf(stderr, "%s: %s\n", alert.title.c_str(), alert.text.c_str());
     switch (alert.style) {
-    case KNativeAlertSpec::YesNo:
+    case KNativeAlertRequest::YesNo:
         return KNativeAnswer::Yes;
-    case KNativeAlertSpec::YesNoDefaultNo:
+    case KNativeAlertRequest::YesNoDefaultNo:
         return KNativeAnswer::No;
-    case KNativeAlertSpec::YesNoCancel:
+    case KNativeAlertRequest::YesNoCancel:
         return KNativeAnswer::Cancel;
-    case KNativeAlertSpec::OkCancel:
+    case KNativeAlertRequest::OkCancel:
         return KNativeAnswer::Cancel;
     default:
         return KNativeAnswer::Ok;

@@ -47,7 +47,7 @@ public:
     // A handle is null when the window could not be made. The window's
     // device is its back buffer: the native side shows it and asks the
     // window to paint through Paint records.
-    virtual void* openWindow(KWindow& owner, const KNativeWindowSpec& spec) = 0;
+    virtual void* openWindow(KWindow& owner, const KNativeWindowSetup& setup) = 0;
     virtual void closeWindow(void* handle) = 0;
     virtual void showWindow(void* handle, bool visible) = 0;
     virtual void setWindowTitle(void* handle, const char* title) = 0;
@@ -67,8 +67,8 @@ public:
 
     // --- Controls -----------------------------------------------------------
     // Native widgets placed at pixel positions over a window's client area.
-    // Their notifications come as Command records with the spec's tag.
-    virtual void* createControl(void* window, const KNativeControlSpec& spec);
+    // Their notifications come as Command records with the setup's tag.
+    virtual void* createControl(void* window, const KNativeControlSetup& setup);
     virtual void destroyControl(void* control);
     virtual void setControlBounds(void* control, const KNativeRect& bounds);
     virtual void setControlText(void* control, const char* text);
@@ -98,10 +98,10 @@ public:
     // --- Choosers and boxes -----------------------------------------------------
     // False when the user cancels (or nothing can be shown); the path is
     // then untouched.
-    virtual bool chooseFile(const KNativeChooserSpec& spec, std::string& path);
+    virtual bool chooseFile(const KNativeChooserRequest& request, std::string& path);
     virtual bool chooseColour(const char* title, KNativeColour& colour);
     // One of KNativeAnswer.
-    virtual int32_t messageBox(const KNativeAlertSpec& alert);
+    virtual int32_t messageBox(const KNativeAlertRequest& alert);
     virtual void beep();
 
     // --- The local message channel -----------------------------------------------

@@ -27,7 +27,7 @@ struct KNativeRect {
 // opened over.
 enum class KNativeWindowKind : int32_t { Normal = 0, Palette = 1, Dialog = 2 };
 
-struct KNativeWindowSpec {
+struct KNativeWindowSetup {
     KNativeWindowKind kind = KNativeWindowKind::Normal;
     std::string title;
     // The client area; its origin is where the window goes on the screen.
@@ -41,7 +41,7 @@ struct KNativeWindowSpec {
 
 enum class KNativeControlKind : int32_t { Button = 0, StaticText = 1 };
 
-struct KNativeControlSpec {
+struct KNativeControlSetup {
     KNativeControlKind kind = KNativeControlKind::Button;
     std::string text;
     KNativeRect bounds;
@@ -67,7 +67,7 @@ struct KNativeFileFilter {
     std::vector<std::string> extensions;
 };
 
-struct KNativeChooserSpec {
+struct KNativeChooserRequest {
     enum Mode : int32_t { Open = 0, Save = 1, Folder = 2 };
     Mode mode = Open;
     std::string title;
@@ -85,7 +85,7 @@ struct KNativeColour {
 };
 
 // A message box: its buttons and what it answers.
-struct KNativeAlertSpec {
+struct KNativeAlertRequest {
     enum Style : int32_t {
         Information = 0,
         YesNo = 1,

@@ -10,19 +10,19 @@ KPaletteWindow::KPaletteWindow() { setWindowFlags(Closable); }
 
 KPaletteWindow::~KPaletteWindow() = default;
 
-KNativeWindowSpec KPaletteWindow::makeNativeSpec() const
+KNativeWindowSetup KPaletteWindow::makeNativeSetup() const
 {
-    KNativeWindowSpec spec = KWindow::makeNativeSpec();
-    spec.kind = KNativeWindowKind::Palette;
+    KNativeWindowSetup setup = KWindow::makeNativeSetup();
+    setup.kind = KNativeWindowKind::Palette;
     KApplication* application = KApplication::current();
     KWindow* mainWindow = application ? application->getMainWindow() : nullptr;
-    spec.parent = mainWindow ? mainWindow->getNativeWindow() : nullptr;
-    return spec;
+    setup.parent = mainWindow ? mainWindow->getNativeWindow() : nullptr;
+    return setup;
 }
 
 void KPaletteWindow::open(int32_t mode)
 {
     if (isOpen())
         knsFatalError("KPaletteWindow::open()", "Already Open.");
-    openWith(mode, makeNativeSpec(), "void KPaletteWindow::open(OpenMode Mode)");
+    openWith(mode, makeNativeSetup(), "void KPaletteWindow::open(OpenMode Mode)");
 }

@@ -14,5 +14,5 @@ public:
     int32_t getTier() const override { return PaletteTier; }
 
 protected:
-    KNativeWindowSpec makeNativeSpec() const override;
+    KNativeWindowSetup makeNativeSetup() const override;
 };

@@ -15,8 +15,8 @@ KStaticTextNativeControl::KStaticTextNativeControl(const KString& text, const KW
 
 KStaticTextNativeControl::~KStaticTextNativeControl() = default;
 
-bool KStaticTextNativeControl::describeNative(KNativeControlSpec& spec) const
+bool KStaticTextNativeControl::describeNative(KNativeControlSetup& setup) const
 {
-    spec.kind = KNativeControlKind::StaticText;
+    setup.kind = KNativeControlKind::StaticText;
     return true;
 }

@@ -11,5 +11,5 @@ public:
     ~KStaticTextNativeControl() override;
 
 protected:
-    bool describeNative(KNativeControlSpec& spec) const override;
+    bool describeNative(KNativeControlSetup& setup) const override;
 };

@@ -63,28 +63,28 @@ KGraphicSize KWindow::getMaximumSize() const { return { 32767, 32767 }; }
 
 KGraphicRectangle KWindow::getFrame() const { return frameBounds; }
 
-KNativeWindowSpec KWindow::makeNativeSpec() const
+KNativeWindowSetup KWindow::makeNativeSetup() const
 {
-    KNativeWindowSpec spec;
-    spec.kind = KNativeWindowKind::Normal;
-    spec.title = title.c_str();
-    spec.client = nativeRect(frameBounds);
-    spec.closable = hasWindowFlag(Closable);
-    spec.resizable = hasWindowFlag(Resizable);
-    return spec;
+    KNativeWindowSetup setup;
+    setup.kind = KNativeWindowKind::Normal;
+    setup.title = title.c_str();
+    setup.client = nativeRect(frameBounds);
+    setup.closable = hasWindowFlag(Closable);
+    setup.resizable = hasWindowFlag(Resizable);
+    return setup;
 }
 
 void KWindow::open(int32_t mode)
 {
     if (isOpen())
         knsFatalError("KWindow::open()", "Already Open.");
-    openWith(mode, makeNativeSpec(), "void KWindow::open(OpenMode Mode)");
+    openWith(mode, makeNativeSetup(), "void KWindow::open(OpenMode Mode)");
 }
 
-void KWindow::openWith(int32_t mode, const KNativeWindowSpec& spec, const char* location)
+void KWindow::openWith(int32_t mode, const KNativeWindowSetup& setup, const char* location)
 {
     KWindowPtr self(this);
-    void* handle = KNativeLayer::get().openWindow(*this, spec);
+    void* handle = KNativeLayer::get().openWindow(*this, setup);
     if (!handle) {
         KErrorHandler::raiseError(KError::PointerNull, location);
         return;

@@ -112,11 +112,11 @@ public:
     void* getNativeWindow() const { return nativeWindow; }
 
 protected:
-    // Opens the native frame the spec describes; `location` names the
+    // Opens the native frame the setup describes; `location` names the
     // caller in the error of a failed creation.
-    void openWith(int32_t mode, const KNativeWindowSpec& spec, const char* location);
+    void openWith(int32_t mode, const KNativeWindowSetup& setup, const char* location);
     // The native frame of a plain window.
-    virtual KNativeWindowSpec makeNativeSpec() const;
+    virtual KNativeWindowSetup makeNativeSetup() const;
     void surfaceChanged(const KWideRectangle& changed) override;
 
 private:

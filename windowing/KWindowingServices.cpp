@@ -1,6 +1,7 @@
 #include "windowing/KWindowingServices.h"
 
 #include "graphics/KColor.h"
+#include "kernel/KLocalizerData.h"
 #include "kernel/KThingPtr.h"
 #include "windowing/KActionEvent.h"
 #include "windowing/KApplication.h"
@@ -255,6 +256,9 @@ void kInstallWindowingServices()
     fillManager(KServices::Cursor, ManagerSlot<KCursorManager>::hooks());
     fillManager(KServices::Keyboard, ManagerSlot<KKeyboardManager>::hooks());
     fillManager(KServices::Dialogs, ManagerSlot<KDialogHandler>::hooks());
+    fill(services.createLocalizer, &kCreateBaseLocalizer);
+    fill(services.destroyLocalizer, &kDestroyBaseLocalizer);
+    fill(services.translate, &kBaseTranslate);
     fill(services.importClipboard, &importClipboard);
     fill(services.exportClipboard, &exportClipboard);
     fill(services.releaseKeyboard, &releaseKeyboard);

@@ -192,8 +192,8 @@ TEST_F(ServicesTest, ChoosersLeaveTheArgumentAloneWhenCancelled)
     EXPECT_FALSE(handler->doSaveDialog(*file, "Save the story", text));
     EXPECT_TRUE(file->getPath() == original);
     ASSERT_EQ(layer.chooserRequests().size(), 1u);
-    const KNativeChooserSpec& asked = layer.chooserRequests()[0];
-    EXPECT_EQ(asked.mode, KNativeChooserSpec::Save);
+    const KNativeChooserRequest& asked = layer.chooserRequests()[0];
+    EXPECT_EQ(asked.mode, KNativeChooserRequest::Save);
     EXPECT_EQ(asked.title, "Save the story");
     EXPECT_EQ(asked.folder, "/home/child/stories/");
     EXPECT_EQ(asked.name, "old.txt");
@@ -218,7 +218,7 @@ TEST_F(ServicesTest, ChoosersLeaveTheArgumentAloneWhenCancelled)
     EXPECT_STREQ(folder->getNativeText().c_str(), "/tmp");
     layer.answerChooser({ true, "/tmp/stories" });
     EXPECT_TRUE(handler->doSelectDirectoryDialog(*folder, "Where"));
-    EXPECT_EQ(layer.chooserRequests().back().mode, KNativeChooserSpec::Folder);
+    EXPECT_EQ(layer.chooserRequests().back().mode, KNativeChooserRequest::Folder);
     EXPECT_STREQ(folder->getNativeText().c_str(), "/tmp/stories");
 
     KColor colour(100, 200, 300);
@@ -250,7 +250,7 @@ TEST_F(ServicesTest, QuickAlertsAnswerByTheirButtonsAndAlertsBeep)
 
     alert("Title", "Text");
     ASSERT_EQ(layer.alerts().size(), 1u);
-    EXPECT_EQ(layer.alerts()[0].style, KNativeAlertSpec::Information);
+    EXPECT_EQ(layer.alerts()[0].style, KNativeAlertRequest::Information);
     EXPECT_EQ(layer.alerts()[0].title, "Title");
     EXPECT_EQ(layer.alerts()[0].text, "Text");
 
@@ -261,7 +261,7 @@ TEST_F(ServicesTest, QuickAlertsAnswerByTheirButtonsAndAlertsBeep)
     // Unanswered, a box takes its default button.
     EXPECT_EQ(askYesNo("t", "q"), 2);
     EXPECT_EQ(askYesNoDefaultNo("t", "q"), 3);
-    EXPECT_EQ(layer.alerts().back().style, KNativeAlertSpec::YesNoDefaultNo);
+    EXPECT_EQ(layer.alerts().back().style, KNativeAlertRequest::YesNoDefaultNo);
     for (int32_t answer : { KNativeAnswer::Yes, KNativeAnswer::No, KNativeAnswer::Cancel })
         layer.answerMessageBox(answer);
     EXPECT_EQ(askYesNoCancel("t", "q"), 2);
@@ -278,7 +278,7 @@ TEST_F(ServicesTest, QuickAlertsAnswerByTheirButtonsAndAlertsBeep)
     EXPECT_EQ(native(*box).title, "Alert");
     auto controls = layer.controlsOf(box->getNativeWindow());
     ASSERT_EQ(controls.size(), 2u);
-    EXPECT_EQ(controls[0]->spec.kind, KNativeControlKind::StaticText);
+    EXPECT_EQ(controls[0]->setup.kind, KNativeControlKind::StaticText);
     EXPECT_EQ(controls[0]->text, "Careful!");
     EXPECT_EQ(controls[0]->bounds, (KNativeRect { 10, 10, 380, 90 }));
     EXPECT_EQ(controls[1]->text, "OK");

@@ -72,8 +72,8 @@ TEST_F(WindowManagerTest, PalettesFloatOverNormalWindowsAndActivationRestacks)
     EXPECT_EQ(manager->getWindows()[2].get(), palette.get());
     std::vector<void*> expected { main.getNativeWindow(), other->getNativeWindow(), palette->getNativeWindow() };
     EXPECT_EQ(layer.stackOrder(), expected);
-    EXPECT_EQ(native(*palette).spec.kind, KNativeWindowKind::Palette);
-    EXPECT_EQ(native(*palette).spec.parent, main.getNativeWindow());
+    EXPECT_EQ(native(*palette).setup.kind, KNativeWindowKind::Palette);
+    EXPECT_EQ(native(*palette).setup.parent, main.getNativeWindow());
 
     // Activating the main window brings it in front of the other normal
     // window, not of the palette; an activation that changes nothing does
@@ -119,14 +119,14 @@ TEST_F(WindowManagerTest, TwoModalDialogsAndTheMenusComingBackWithTheLast)
         EXPECT_TRUE(first->isEnabled());
         EXPECT_FALSE(native(main).enabled);
         EXPECT_TRUE(native(*first).modal);
-        EXPECT_EQ(native(*first).spec.kind, KNativeWindowKind::Dialog);
-        EXPECT_EQ(native(*first).spec.parent, main.getNativeWindow());
+        EXPECT_EQ(native(*first).setup.kind, KNativeWindowKind::Dialog);
+        EXPECT_EQ(native(*first).setup.parent, main.getNativeWindow());
         EXPECT_EQ(layer.stackOrder().back(), first->getNativeWindow());
         EXPECT_EQ(menuStates(), std::vector<bool> { false });
 
         scriptStep(50, [&] {
             // The second dialog belongs to the first.
-            EXPECT_EQ(native(*second).spec.parent, first->getNativeWindow());
+            EXPECT_EQ(native(*second).setup.parent, first->getNativeWindow());
             EXPECT_EQ(manager->getModalCount(), 2);
             EXPECT_FALSE(first->isEnabled());
             EXPECT_TRUE(second->isEnabled());
@@ -176,7 +176,7 @@ TEST_F(WindowManagerTest, StandardButtonsSitAtTheBottomRightAndAnswer)
     EXPECT_EQ(bounds(KDialog::CancelButton), (KNativeRect { 200, 170, 90, 20 }));
     EXPECT_EQ(bounds(KDialog::OkButton), (KNativeRect { 100, 170, 90, 20 }));
     EXPECT_EQ(layer.controlOf(buttonOf(*dialog, KDialog::OkButton))->text, "OK");
-    EXPECT_TRUE(layer.controlOf(buttonOf(*dialog, KDialog::OkButton))->spec.isDefault);
+    EXPECT_TRUE(layer.controlOf(buttonOf(*dialog, KDialog::OkButton))->setup.isDefault);
     EXPECT_EQ(layer.controlOf(buttonOf(*dialog, KDialog::ApplyButton))->text, "Apply");
 
     // Apply leaves the dialog open; Cancel ends it with its id.

@@ -61,7 +61,7 @@ bool KGLibNativeLayer::cursorPosition(int32_t&, int32_t&) { return false; }
 
 bool KGLibNativeLayer::hasDisplay() const { return false; }
 
-void* KGLibNativeLayer::openWindow(KWindow& owner, const KNativeWindowSpec&)
+void* KGLibNativeLayer::openWindow(KWindow& owner, const KNativeWindowSetup&)
 {
     auto* window = new HeadlessWindow();
     window->owner = &owner;

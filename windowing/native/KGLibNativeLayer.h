@@ -27,7 +27,7 @@ public:
     int32_t modifierState() const override;
     bool cursorPosition(int32_t& x, int32_t& y) override;
     bool hasDisplay() const override;
-    void* openWindow(KWindow& owner, const KNativeWindowSpec& spec) override;
+    void* openWindow(KWindow& owner, const KNativeWindowSetup& setup) override;
     void closeWindow(void* handle) override;
     void showWindow(void* handle, bool visible) override;
     void setWindowTitle(void* handle, const char* title) override;

@@ -94,9 +94,12 @@ void onOwnerChange(GtkClipboard*, GdkEvent*, gpointer data)
 
 } // namespace
 
-void KGtkNativeLayer::connectClipboard()
+void KGtkNativeLayer::connectClipboard(bool connect)
 {
-    g_signal_connect(clipboard(), "owner-change", G_CALLBACK(onOwnerChange), this);
+    if (connect)
+        g_signal_connect(clipboard(), "owner-change", G_CALLBACK(onOwnerChange), this);
+    else
+        g_signal_handlers_disconnect_by_data(clipboard(), this);
 }
 
 bool KGtkNativeLayer::setClipboard(const KNativeClipboardContent& content)

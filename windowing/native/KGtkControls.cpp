@@ -22,10 +22,10 @@ void onClicked(GtkButton*, gpointer data)
     kksDeliverNativeRecord(record);
 }
 
-GtkWidget* makeWidget(const KNativeControlSpec& spec)
+GtkWidget* makeWidget(const KNativeControlSetup& setup)
 {
-    std::string text = kToUtf8(spec.text.c_str());
-    if (spec.kind == KNativeControlKind::StaticText) {
+    std::string text = kToUtf8(setup.text.c_str());
+    if (setup.kind == KNativeControlKind::StaticText) {
         GtkWidget* label = gtk_label_new(text.c_str());
         gtk_label_set_line_wrap(GTK_LABEL(label), TRUE);
         gtk_label_set_xalign(GTK_LABEL(label), 0.0f);
@@ -40,20 +40,20 @@ GtkWidget* makeWidget(const KNativeControlSpec& spec)
 
 } // namespace
 
-void* KGtkNativeLayer::createControl(void* window, const KNativeControlSpec& spec)
+void* KGtkNativeLayer::createControl(void* window, const KNativeControlSetup& setup)
 {
     if (!hasDisplay() || !window)
         return nullptr;
     auto* windowHandle = static_cast<KGtkWindowHandle*>(window);
     auto* handle = new KGtkControlHandle();
     handle->window = windowHandle;
-    handle->tag = spec.tag;
-    handle->widget = makeWidget(spec);
+    handle->tag = setup.tag;
+    handle->widget = makeWidget(setup);
     g_object_add_weak_pointer(G_OBJECT(handle->widget), reinterpret_cast<gpointer*>(&handle->widget));
-    if (spec.kind == KNativeControlKind::Button)
+    if (setup.kind == KNativeControlKind::Button)
         g_signal_connect(handle->widget, "clicked", G_CALLBACK(onClicked), handle);
-    gtk_widget_set_size_request(handle->widget, spec.bounds.width, spec.bounds.height);
-    gtk_fixed_put(GTK_FIXED(windowHandle->fixed), handle->widget, spec.bounds.x, spec.bounds.y);
+    gtk_widget_set_size_request(handle->widget, setup.bounds.width, setup.bounds.height);
+    gtk_fixed_put(GTK_FIXED(windowHandle->fixed), handle->widget, setup.bounds.x, setup.bounds.y);
     gtk_widget_show(handle->widget);
     return handle;
 }

@@ -58,9 +58,9 @@ std::string anyCasePattern(const std::string& extension)
     return pattern;
 }
 
-void addFilters(GtkFileChooser* chooser, const KNativeChooserSpec& spec)
+void addFilters(GtkFileChooser* chooser, const KNativeChooserRequest& request)
 {
-    for (const KNativeFileFilter& wanted : spec.filters) {
+    for (const KNativeFileFilter& wanted : request.filters) {
         GtkFileFilter* filter = gtk_file_filter_new();
         gtk_file_filter_set_name(filter, kToUtf8(wanted.name.c_str()).c_str());
         for (const std::string& extension : wanted.extensions)
@@ -86,24 +86,24 @@ std::string windowsText(const gchar* fileName)
     return result;
 }
 
-GtkFileChooserAction chooserAction(KNativeChooserSpec::Mode mode)
+GtkFileChooserAction chooserAction(KNativeChooserRequest::Mode mode)
 {
     switch (mode) {
-    case KNativeChooserSpec::Save:
+    case KNativeChooserRequest::Save:
         return GTK_FILE_CHOOSER_ACTION_SAVE;
-    case KNativeChooserSpec::Folder:
+    case KNativeChooserRequest::Folder:
         return GTK_FILE_CHOOSER_ACTION_SELECT_FOLDER;
     default:
         return GTK_FILE_CHOOSER_ACTION_OPEN;
     }
 }
 
-const char* acceptLabel(KNativeChooserSpec::Mode mode)
+const char* acceptLabel(KNativeChooserRequest::Mode mode)
 {
     switch (mode) {
-    case KNativeChooserSpec::Save:
+    case KNativeChooserRequest::Save:
         return "_Save";
-    case KNativeChooserSpec::Folder:
+    case KNativeChooserRequest::Folder:
         return "_Select";
     default:
         return "_Open";
@@ -112,23 +112,23 @@ const char* acceptLabel(KNativeChooserSpec::Mode mode)
 
 uint16_t channel(double value) { return uint16_t(std::lround(std::clamp(value, 0.0, 1.0) * 65535.0)); }
 
-void addButtons(GtkWidget* dialog, KNativeAlertSpec::Style style)
+void addButtons(GtkWidget* dialog, KNativeAlertRequest::Style style)
 {
     switch (style) {
-    case KNativeAlertSpec::YesNo:
-    case KNativeAlertSpec::YesNoDefaultNo:
+    case KNativeAlertRequest::YesNo:
+    case KNativeAlertRequest::YesNoDefaultNo:
         gtk_dialog_add_button(GTK_DIALOG(dialog), "_No", GTK_RESPONSE_NO);
         gtk_dialog_add_button(GTK_DIALOG(dialog), "_Yes", GTK_RESPONSE_YES);
         gtk_dialog_set_default_response(GTK_DIALOG(dialog),
-                                        style == KNativeAlertSpec::YesNo ? GTK_RESPONSE_YES : GTK_RESPONSE_NO);
+                                        style == KNativeAlertRequest::YesNo ? GTK_RESPONSE_YES : GTK_RESPONSE_NO);
         break;
-    case KNativeAlertSpec::YesNoCancel:
+    case KNativeAlertRequest::YesNoCancel:
         gtk_dialog_add_button(GTK_DIALOG(dialog), "_Cancel", GTK_RESPONSE_CANCEL);
         gtk_dialog_add_button(GTK_DIALOG(dialog), "_No", GTK_RESPONSE_NO);
         gtk_dialog_add_button(GTK_DIALOG(dialog), "_Yes", GTK_RESPONSE_YES);
         gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_YES);
         break;
-    case KNativeAlertSpec::OkCancel:
+    case KNativeAlertRequest::OkCancel:
         gtk_dialog_add_button(GTK_DIALOG(dialog), "_Cancel", GTK_RESPONSE_CANCEL);
         gtk_dialog_add_button(GTK_DIALOG(dialog), "_OK", GTK_RESPONSE_OK);
         gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_OK);
@@ -140,7 +140,7 @@ void addButtons(GtkWidget* dialog, KNativeAlertSpec::Style style)
     }
 }
 
-int32_t answerOf(gint response, KNativeAlertSpec::Style style)
+int32_t answerOf(gint response, KNativeAlertRequest::Style style)
 {
     switch (response) {
     case GTK_RESPONSE_YES:
@@ -151,9 +151,9 @@ int32_t answerOf(gint response, KNativeAlertSpec::Style style)
         return KNativeAnswer::Ok;
     default:
         // Closing the box: "no" where there is no cancel.
-        if (style == KNativeAlertSpec::YesNo || style == KNativeAlertSpec::YesNoDefaultNo)
+        if (style == KNativeAlertRequest::YesNo || style == KNativeAlertRequest::YesNoDefaultNo)
             return KNativeAnswer::No;
-        if (style == KNativeAlertSpec::Information || style == KNativeAlertSpec::Error)
+        if (style == KNativeAlertRequest::Information || style == KNativeAlertRequest::Error)
             return KNativeAnswer::Ok;
         return KNativeAnswer::Cancel;
     }
@@ -163,23 +163,23 @@ int32_t answerOf(gint response, KNativeAlertSpec::Style style)
 
 void installGtkMessageProc(bool install) { KErrorHandler::setMessageProc(install ? &showGtkMessage : nullptr); }
 
-bool KGtkNativeLayer::chooseFile(const KNativeChooserSpec& spec, std::string& path)
+bool KGtkNativeLayer::chooseFile(const KNativeChooserRequest& request, std::string& path)
 {
     if (!hasDisplay())
         return false;
     GtkWindow* parent = GTK_WINDOW(dialogParent());
-    GtkWidget* dialog = gtk_file_chooser_dialog_new(kToUtf8(spec.title.c_str()).c_str(), parent,
-                                                    chooserAction(spec.mode), "_Cancel", GTK_RESPONSE_CANCEL,
-                                                    acceptLabel(spec.mode), GTK_RESPONSE_ACCEPT, nullptr);
+    GtkWidget* dialog = gtk_file_chooser_dialog_new(kToUtf8(request.title.c_str()).c_str(), parent,
+                                                    chooserAction(request.mode), "_Cancel", GTK_RESPONSE_CANCEL,
+                                                    acceptLabel(request.mode), GTK_RESPONSE_ACCEPT, nullptr);
     GtkFileChooser* chooser = GTK_FILE_CHOOSER(dialog);
     gtk_dialog_set_default_response(GTK_DIALOG(dialog), GTK_RESPONSE_ACCEPT);
-    if (spec.mode == KNativeChooserSpec::Save)
+    if (request.mode == KNativeChooserRequest::Save)
         gtk_file_chooser_set_do_overwrite_confirmation(chooser, TRUE);
-    if (!spec.folder.empty())
-        gtk_file_chooser_set_current_folder(chooser, fileName(spec.folder).c_str());
-    if (spec.mode == KNativeChooserSpec::Save && !spec.name.empty())
-        gtk_file_chooser_set_current_name(chooser, kToUtf8(spec.name.c_str()).c_str());
-    addFilters(chooser, spec);
+    if (!request.folder.empty())
+        gtk_file_chooser_set_current_folder(chooser, fileName(request.folder).c_str());
+    if (request.mode == KNativeChooserRequest::Save && !request.name.empty())
+        gtk_file_chooser_set_current_name(chooser, kToUtf8(request.name.c_str()).c_str());
+    addFilters(chooser, request);
     bool accepted = runDialog(dialog) == GTK_RESPONSE_ACCEPT;
     if (accepted) {
         gchar* chosen = gtk_file_chooser_get_filename(chooser);
@@ -209,14 +209,14 @@ bool KGtkNativeLayer::chooseColour(const char* title, KNativeColour& colour)
     return accepted;
 }
 
-int32_t KGtkNativeLayer::messageBox(const KNativeAlertSpec& alert)
+int32_t KGtkNativeLayer::messageBox(const KNativeAlertRequest& alert)
 {
     if (!hasDisplay())
         return KGLibNativeLayer::messageBox(alert);
     GtkMessageType type = GTK_MESSAGE_INFO;
-    if (alert.style == KNativeAlertSpec::Error)
+    if (alert.style == KNativeAlertRequest::Error)
         type = GTK_MESSAGE_ERROR;
-    else if (alert.style != KNativeAlertSpec::Information)
+    else if (alert.style != KNativeAlertRequest::Information)
         type = GTK_MESSAGE_QUESTION;
     GtkWidget* dialog = gtk_message_dialog_new(GTK_WINDOW(dialogParent()), GTK_DIALOG_MODAL, type, GTK_BUTTONS_NONE,
                                                "%s", kToUtf8(alert.text.c_str()).c_str());

@@ -253,10 +253,10 @@ void connectWindowProcedure(KGtkWindowHandle* handle)
 
 // --- Frames ------------------------------------------------------------------
 
-void styleFrame(KGtkWindowHandle* handle, const KNativeWindowSpec& spec, GtkWidget* parent)
+void styleFrame(KGtkWindowHandle* handle, const KNativeWindowSetup& setup, GtkWidget* parent)
 {
     GtkWindow* window = GTK_WINDOW(handle->window);
-    switch (spec.kind) {
+    switch (setup.kind) {
     case KNativeWindowKind::Palette:
         gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_UTILITY);
         gtk_window_set_skip_taskbar_hint(window, TRUE);
@@ -270,11 +270,11 @@ void styleFrame(KGtkWindowHandle* handle, const KNativeWindowSpec& spec, GtkWidg
     default:
         break;
     }
-    if (parent && spec.kind != KNativeWindowKind::Normal)
+    if (parent && setup.kind != KNativeWindowKind::Normal)
         gtk_window_set_transient_for(window, GTK_WINDOW(parent));
-    gtk_window_set_deletable(window, spec.closable);
-    gtk_window_set_resizable(window, spec.resizable);
-    gtk_window_set_title(window, kToUtf8(spec.title.c_str()).c_str());
+    gtk_window_set_deletable(window, setup.closable);
+    gtk_window_set_resizable(window, setup.resizable);
+    gtk_window_set_title(window, kToUtf8(setup.title.c_str()).c_str());
 }
 
 void sizeFrame(KGtkWindowHandle* handle, const KNativeRect& client)
@@ -293,7 +293,11 @@ void sizeFrame(KGtkWindowHandle* handle, const KNativeRect& client)
 
 KGtkNativeLayer::KGtkNativeLayer() = default;
 
-KGtkNativeLayer::~KGtkNativeLayer() = default;
+KGtkNativeLayer::~KGtkNativeLayer()
+{
+    if (display)
+        connectClipboard(false);
+}
 
 // The program places palettes and reads the pointer, which only X11 allows.
 bool KGtkNativeLayer::initialize()
@@ -302,15 +306,17 @@ bool KGtkNativeLayer::initialize()
     display = gtk_init_check(nullptr, nullptr);
     if (display) {
         installGtkMessageProc(true);
-        connectClipboard();
+        connectClipboard(true);
     }
     return KGLibNativeLayer::initialize();
 }
 
 void KGtkNativeLayer::shutDown()
 {
-    if (display)
+    if (display) {
         installGtkMessageProc(false);
+        connectClipboard(false);
+    }
     KGLibNativeLayer::shutDown();
 }
 
@@ -395,15 +401,15 @@ void KGtkNativeLayer::screenSize(int32_t& width, int32_t& height) const
 
 // --- Windows -------------------------------------------------------------------
 
-void* KGtkNativeLayer::openWindow(KWindow& owner, const KNativeWindowSpec& spec)
+void* KGtkNativeLayer::openWindow(KWindow& owner, const KNativeWindowSetup& setup)
 {
     if (!display)
-        return KGLibNativeLayer::openWindow(owner, spec);
+        return KGLibNativeLayer::openWindow(owner, setup);
     auto* handle = new KGtkWindowHandle();
     handle->layer = this;
     handle->owner = &owner;
-    handle->kind = spec.kind;
-    handle->resizable = spec.resizable;
+    handle->kind = setup.kind;
+    handle->resizable = setup.resizable;
     handle->window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     handle->overlay = gtk_overlay_new();
     handle->area = gtk_drawing_area_new();
@@ -413,12 +419,12 @@ void* KGtkNativeLayer::openWindow(KWindow& owner, const KNativeWindowSpec& spec)
     gtk_overlay_add_overlay(GTK_OVERLAY(handle->overlay), handle->fixed);
     gtk_overlay_set_overlay_pass_through(GTK_OVERLAY(handle->overlay), handle->fixed, TRUE);
     gtk_container_add(GTK_CONTAINER(handle->window), handle->overlay);
-    styleFrame(handle, spec, gtkWindowOf(spec.parent));
-    sizeFrame(handle, spec.client);
-    if (spec.centreOnParent && spec.parent)
+    styleFrame(handle, setup, gtkWindowOf(setup.parent));
+    sizeFrame(handle, setup.client);
+    if (setup.centreOnParent && setup.parent)
         gtk_window_set_position(GTK_WINDOW(handle->window), GTK_WIN_POS_CENTER_ON_PARENT);
     else
-        gtk_window_move(GTK_WINDOW(handle->window), spec.client.x, spec.client.y);
+        gtk_window_move(GTK_WINDOW(handle->window), setup.client.x, setup.client.y);
     connectWindowProcedure(handle);
     gtk_widget_show_all(handle->overlay);
     handles.push_back(handle);

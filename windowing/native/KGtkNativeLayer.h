@@ -26,7 +26,7 @@ public:
     bool cursorPosition(int32_t& x, int32_t& y) override;
     bool hasDisplay() const override { return display; }
 
-    void* openWindow(KWindow& owner, const KNativeWindowSpec& spec) override;
+    void* openWindow(KWindow& owner, const KNativeWindowSetup& setup) override;
     void closeWindow(void* handle) override;
     void showWindow(void* handle, bool visible) override;
     void setWindowTitle(void* handle, const char* title) override;
@@ -38,7 +38,7 @@ public:
     void setWindowTooltip(void* handle, const char* text) override;
     void screenSize(int32_t& width, int32_t& height) const override;
 
-    void* createControl(void* window, const KNativeControlSpec& spec) override;
+    void* createControl(void* window, const KNativeControlSetup& setup) override;
     void destroyControl(void* control) override;
     void setControlBounds(void* control, const KNativeRect& bounds) override;
     void setControlText(void* control, const char* text) override;
@@ -57,9 +57,9 @@ public:
     bool clipboardData(const char* format, std::vector<uint8_t>& data) override;
     void storeClipboard() override;
 
-    bool chooseFile(const KNativeChooserSpec& spec, std::string& path) override;
+    bool chooseFile(const KNativeChooserRequest& request, std::string& path) override;
     bool chooseColour(const char* title, KNativeColour& colour) override;
-    int32_t messageBox(const KNativeAlertSpec& alert) override;
+    int32_t messageBox(const KNativeAlertRequest& alert) override;
     void beep() override;
 
     bool droppedFile(int32_t drop, char* buffer, int32_t size) override;
@@ -81,7 +81,7 @@ public:
 
 private:
     void applyCursor(KGtkWindowHandle& handle) const;
-    void connectClipboard();
+    void connectClipboard(bool connect);
 
     bool display = false;
     int32_t pointerX = 0;

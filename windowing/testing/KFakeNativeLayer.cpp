@@ -134,13 +134,13 @@ void KFakeNativeLayer::setCursor(int32_t x, int32_t y)
     cursorKnown = true;
 }
 
-void* KFakeNativeLayer::openWindow(KWindow& owner, const KNativeWindowSpec& spec)
+void* KFakeNativeLayer::openWindow(KWindow& owner, const KNativeWindowSetup& setup)
 {
     auto window = std::make_unique<Window>();
     window->owner = &owner;
-    window->spec = spec;
-    window->title = spec.title;
-    window->client = spec.client;
+    window->setup = setup;
+    window->title = setup.title;
+    window->client = setup.client;
     openedWindows.push_back(std::move(window));
     return openedWindows.back().get();
 }
@@ -230,15 +230,15 @@ void KFakeNativeLayer::setDoubleClick(int32_t milliseconds, int32_t pixels)
 
 // --- Controls ------------------------------------------------------------------
 
-void* KFakeNativeLayer::createControl(void* window, const KNativeControlSpec& spec)
+void* KFakeNativeLayer::createControl(void* window, const KNativeControlSetup& setup)
 {
     if (!windowOf(window))
         return nullptr;
     auto control = std::make_unique<Control>();
     control->window = window;
-    control->spec = spec;
-    control->text = spec.text;
-    control->bounds = spec.bounds;
+    control->setup = setup;
+    control->text = setup.text;
+    control->bounds = setup.bounds;
     madeControls.push_back(std::move(control));
     return madeControls.back().get();
 }
@@ -302,7 +302,7 @@ void KFakeNativeLayer::clickControl(void* handle)
     record.window = window->owner;
     record.message = KNativeMessage::Command;
     record.param1 = KControlNotification::Clicked;
-    record.param2 = control->spec.tag;
+    record.param2 = control->setup.tag;
     record.time = clock;
     kksDeliverNativeRecord(record);
 }
@@ -357,9 +357,9 @@ bool KFakeNativeLayer::clipboardData(const char* format, std::vector<uint8_t>& d
 
 // --- Choosers and boxes --------------------------------------------------------------
 
-bool KFakeNativeLayer::chooseFile(const KNativeChooserSpec& spec, std::string& path)
+bool KFakeNativeLayer::chooseFile(const KNativeChooserRequest& request, std::string& path)
 {
-    choosers.push_back(spec);
+    choosers.push_back(request);
     if (chooserAnswers.empty())
         return false;
     ChooserAnswer answer = chooserAnswers.front();
@@ -379,17 +379,17 @@ bool KFakeNativeLayer::chooseColour(const char*, KNativeColour& colour)
     return true;
 }
 
-int32_t KFakeNativeLayer::messageBox(const KNativeAlertSpec& alert)
+int32_t KFakeNativeLayer::messageBox(const KNativeAlertRequest& alert)
 {
     shownAlerts.push_back(alert);
     if (boxAnswers.empty()) {
         switch (alert.style) {
-        case KNativeAlertSpec::YesNo:
+        case KNativeAlertRequest::YesNo:
             return KNativeAnswer::Yes;
-        case KNativeAlertSpec::YesNoDefaultNo:
+        case KNativeAlertRequest::YesNoDefaultNo:
             return KNativeAnswer::No;
-        case KNativeAlertSpec::YesNoCancel:
-        case KNativeAlertSpec::OkCancel:
+        case KNativeAlertRequest::YesNoCancel:
+        case KNativeAlertRequest::OkCancel:
             return KNativeAnswer::Cancel;
         default:
             return KNativeAnswer::Ok;

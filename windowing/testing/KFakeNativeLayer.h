@@ -24,7 +24,7 @@ public:
     };
     struct Window {
         KWindow* owner = nullptr;
-        KNativeWindowSpec spec;
+        KNativeWindowSetup setup;
         std::string title;
         KNativeRect client;
         bool visible = false;
@@ -37,7 +37,7 @@ public:
     };
     struct Control {
         void* window = nullptr;
-        KNativeControlSpec spec;
+        KNativeControlSetup setup;
         std::string text;
         KNativeRect bounds;
         bool enabled = true;
@@ -64,7 +64,7 @@ public:
     int32_t modifierState() const override { return modifiers; }
     bool cursorPosition(int32_t& x, int32_t& y) override;
     bool hasDisplay() const override { return false; }
-    void* openWindow(KWindow& owner, const KNativeWindowSpec& spec) override;
+    void* openWindow(KWindow& owner, const KNativeWindowSetup& setup) override;
     void closeWindow(void* handle) override;
     void showWindow(void* handle, bool visible) override;
     void setWindowTitle(void* handle, const char* title) override;
@@ -75,7 +75,7 @@ public:
     void invalidateWindow(void* handle, const KNativeRect& area) override;
     void setWindowTooltip(void* handle, const char* text) override;
     void screenSize(int32_t& width, int32_t& height) const override;
-    void* createControl(void* window, const KNativeControlSpec& spec) override;
+    void* createControl(void* window, const KNativeControlSetup& setup) override;
     void destroyControl(void* control) override;
     void setControlBounds(void* control, const KNativeRect& bounds) override;
     void setControlText(void* control, const char* text) override;
@@ -91,9 +91,9 @@ public:
     bool clipboardImage(KNativeImageData& image) override;
     bool clipboardData(const char* format, std::vector<uint8_t>& data) override;
     void storeClipboard() override { ++clipboardStores; }
-    bool chooseFile(const KNativeChooserSpec& spec, std::string& path) override;
+    bool chooseFile(const KNativeChooserRequest& request, std::string& path) override;
     bool chooseColour(const char* title, KNativeColour& colour) override;
-    int32_t messageBox(const KNativeAlertSpec& alert) override;
+    int32_t messageBox(const KNativeAlertRequest& alert) override;
     void beep() override { ++beeps; }
     bool openMessageSlot(const char* name) override;
     void closeMessageSlot() override;
@@ -149,12 +149,12 @@ public:
     // answer is cancelled.
     void answerChooser(const ChooserAnswer& answer) { chooserAnswers.push_back(answer); }
     void answerColour(const KNativeColour& colour) { colourAnswers.push_back(colour); }
-    const std::vector<KNativeChooserSpec>& chooserRequests() const { return choosers; }
+    const std::vector<KNativeChooserRequest>& chooserRequests() const { return choosers; }
     int32_t colourRequests() const { return colourAsks; }
     // Answers (KNativeAnswer) of the next message boxes; without one a box
     // takes its default.
     void answerMessageBox(int32_t answer) { boxAnswers.push_back(answer); }
-    const std::vector<KNativeAlertSpec>& alerts() const { return shownAlerts; }
+    const std::vector<KNativeAlertRequest>& alerts() const { return shownAlerts; }
     int32_t beepCount() const { return beeps; }
 
     const KNativeClipboardContent& clipboard() const { return clipboardContent; }
@@ -212,10 +212,10 @@ private:
     int32_t clipboardStores = 0;
     std::deque<ChooserAnswer> chooserAnswers;
     std::deque<KNativeColour> colourAnswers;
-    std::vector<KNativeChooserSpec> choosers;
+    std::vector<KNativeChooserRequest> choosers;
     int32_t colourAsks = 0;
     std::deque<int32_t> boxAnswers;
-    std::vector<KNativeAlertSpec> shownAlerts;
+    std::vector<KNativeAlertRequest> shownAlerts;
     int32_t beeps = 0;
     std::string slotName;
     std::map<std::string, std::deque<std::string>> slots;

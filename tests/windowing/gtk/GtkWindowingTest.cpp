@@ -292,32 +292,57 @@ TEST(GtkWindowingTest, WindowsPalettesDialogsAndTheClipboardOnTheDisplay)
     KNativeLayer::install(nullptr);
 }
 
-// Answers the next native dialog that comes up, as the user would.
+// Answers the next native dialog that comes up, as the user would. A
+// file chooser still reading its folder refuses an answer: it is given
+// again until the dialog is gone.
 struct Answer {
     gint response = GTK_RESPONSE_CANCEL;
     std::function<void(GtkDialog*)> before;
-    bool given = false;
+    GtkDialog* dialog = nullptr;
+    guint source = 0;
 };
+
+bool isShownDialog(gpointer window, GtkDialog* wanted)
+{
+    return GTK_IS_DIALOG(window) && gtk_widget_get_visible(GTK_WIDGET(window))
+        && (!wanted || GTK_DIALOG(window) == wanted);
+}
 
 gboolean answer(gpointer data)
 {
     auto* wanted = static_cast<Answer*>(data);
     GList* toplevels = gtk_window_list_toplevels();
-    GtkDialog* dialog = nullptr;
+    GtkDialog* found = nullptr;
     for (GList* item = toplevels; item; item = item->next) {
-        if (GTK_IS_DIALOG(item->data) && gtk_widget_get_visible(GTK_WIDGET(item->data)))
-            dialog = GTK_DIALOG(item->data);
+        if (isShownDialog(item->data, wanted->dialog))
+            found = GTK_DIALOG(item->data);
     }
     g_list_free(toplevels);
-    if (!dialog)
-        return G_SOURCE_CONTINUE;
-    // While it is up, the framework refuses every event.
-    EXPECT_TRUE(KEvent::isNativeModalUp());
-    if (wanted->before)
-        wanted->before(dialog);
-    wanted->given = true;
-    gtk_dialog_response(dialog, wanted->response);
-    return G_SOURCE_REMOVE;
+    if (!found) {
+        if (!wanted->dialog)
+            return G_SOURCE_CONTINUE;
+        wanted->source = 0;
+        return G_SOURCE_REMOVE;
+    }
+    if (!wanted->dialog) {
+        // While it is up, the framework refuses every event.
+        EXPECT_TRUE(KEvent::isNativeModalUp());
+        wanted->dialog = found;
+        if (wanted->before)
+            wanted->before(found);
+    }
+    gtk_dialog_response(found, wanted->response);
+    return G_SOURCE_CONTINUE;
+}
+
+void expectAnswer(Answer& wanted) { wanted.source = g_timeout_add(50, &answer, &wanted); }
+
+void answered(Answer& wanted)
+{
+    EXPECT_NE(wanted.dialog, nullptr);
+    if (wanted.source)
+        g_source_remove(wanted.source);
+    wanted.source = 0;
 }
 
 TEST(GtkWindowingTest, ChoosersAndBoxesAnswerAsTheUserDoes)
@@ -336,9 +361,9 @@ TEST(GtkWindowingTest, ChoosersAndBoxesAnswerAsTheUserDoes)
 
         // A cancelled save leaves the reference alone.
         Answer cancel;
-        g_timeout_add(50, &answer, &cancel);
+        expectAnswer(cancel);
         EXPECT_FALSE(handler->doSaveDialog(*file, "Save", text));
-        EXPECT_TRUE(cancel.given);
+        answered(cancel);
         EXPECT_TRUE(file->getPath() == original);
         EXPECT_FALSE(KEvent::isNativeModalUp());
 
@@ -348,8 +373,9 @@ TEST(GtkWindowingTest, ChoosersAndBoxesAnswerAsTheUserDoes)
                          EXPECT_EQ(gtk_file_chooser_get_action(chooser), GTK_FILE_CHOOSER_ACTION_SAVE);
                          gtk_file_chooser_set_current_name(chooser, "new story");
                      } };
-        g_timeout_add(50, &answer, &save);
+        expectAnswer(save);
         EXPECT_TRUE(handler->doSaveDialog(*file, "Save", text));
+        answered(save);
         EXPECT_STREQ(file->getPath().getNativeText().c_str(), "/tmp/new story.txt");
 
         KColor colour(0, 0, 65535);
@@ -357,17 +383,20 @@ TEST(GtkWindowingTest, ChoosersAndBoxesAnswerAsTheUserDoes)
                          GdkRGBA red { 1.0, 0.0, 0.0, 1.0 };
                          gtk_color_chooser_set_rgba(GTK_COLOR_CHOOSER(dialog), &red);
                      } };
-        g_timeout_add(50, &answer, &pick);
+        expectAnswer(pick);
         EXPECT_TRUE(handler->doColorDialog(colour));
+        answered(pick);
         EXPECT_EQ(colour, KColor(65535, 0, 0));
 
         Answer no { GTK_RESPONSE_NO, nullptr };
-        g_timeout_add(50, &answer, &no);
+        expectAnswer(no);
         EXPECT_EQ(askYesNoCancel("Question", "Keep it?"), 3);
+        answered(no);
         // Closing a box is its cancel.
         Answer closed { GTK_RESPONSE_DELETE_EVENT, nullptr };
-        g_timeout_add(50, &answer, &closed);
+        expectAnswer(closed);
         EXPECT_EQ(askOkCancel("Question", "Go on?"), 0);
+        answered(closed);
     }
     knsExitKernel();
     KErrorHandler::loadKernelErrors();

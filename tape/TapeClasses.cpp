@@ -1,0 +1,29 @@
+#include "tape/TapeClasses.h"
+
+#include "graphics/KGraphicsClasses.h"
+#include "kernel/KClass.h"
+#include "kmultimedia/KMultimediaClasses.h"
+#include "tape/ImageTapePage.h"
+#include "tape/Stroke.h"
+#include "tape/Tape.h"
+#include "tape/TapeGraphicObject.h"
+#include "tape/TapeObject.h"
+#include "tape/TapePage.h"
+#include "tape/WipeOut.h"
+#include "windowing/KWindowingClasses.h"
+
+void registerTapeClasses()
+{
+    kRegisterGraphicsClasses();
+    kRegisterWindowingClasses();
+    kRegisterMultimediaClasses();
+    if (Tape::classRecord && KClass::hasClass("Tape"))
+        return;
+    TapeObject::registerClass();
+    TapeGraphicObject::registerClass();
+    Stroke::registerClass();
+    WipeOut::registerClass();
+    Tape::registerClass();
+    TapePage::registerClass();
+    ImageTapePage::registerClass();
+}

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "graphics/KGraphicRectangle.h"
+#include "graphics/KGraphicSize.h"
+#include "kernel/KString.h"
+#include "tape/TapeForward.h"
+
+// What a tape needs of the program around it: the main window and its page
+// highlight, the palettes, the preferences, the media, the cursor and the
+// user's answers. The program installs its own host; until it does, a quiet
+// host stands in, which rebuilds the page when asked to redraw it, plays
+// the stop action by stopping the tape, and asks the user nothing.
+class TapeHost {
+public:
+    TapeHost() = default;
+    virtual ~TapeHost();
+    TapeHost(const TapeHost&) = delete;
+    TapeHost& operator=(const TapeHost&) = delete;
+
+    // The installed host, or the quiet one.
+    static TapeHost& get();
+    // Null brings the quiet host back. The host is not owned.
+    static void install(TapeHost* host);
+
+    // --- The main window ---------------------------------------------------
+
+    // Makes the page show the tape at its position: rebuilds it and selects
+    // the tool of the current element.
+    virtual void redrawPage(Tape& tape);
+    // Takes the current element's mark away, restoring the page under it
+    // when asked to.
+    virtual void hideHighlight(bool restore);
+    virtual void showHighlight(Tape& tape);
+    // In-place editing of the current element (a text, a movie, an image
+    // or an actor).
+    virtual void beginInPlaceEdit(Tape& tape, TapeObject& element);
+    virtual void leaveInPlaceEdit();
+    virtual void setWindowColour(const KColor& colour);
+    virtual void showPauseMarks(bool shown);
+    // The program's stop action, at the end of a tape that does not loop.
+    virtual void stopAction(Tape& tape);
+    // The actor editor's background behind a frame tape, drawn into the
+    // rectangle by the window's background mode; nothing by default.
+    virtual void drawFrameBackground(KGraphicDevice& device, const KGraphicRectangle& area);
+
+    // --- Palettes and menus ------------------------------------------------
+
+    virtual void selectTool(int32_t entry);
+    virtual void refreshBookmarks();
+    virtual void updateMenuBar();
+    virtual void refreshThumbnails();
+
+    // --- Preferences -------------------------------------------------------
+
+    // "Auto Edit Current Element" and "Highlight Current Element".
+    virtual bool autoEditCurrentElement();
+    virtual bool highlightCurrentElement();
+    // The page size of a new document.
+    virtual KGraphicSize newDocumentPageSize();
+    virtual int32_t screenHeight();
+
+    // --- The user ----------------------------------------------------------
+
+    virtual void beep();
+    virtual void alert(const KString& title, const KString& text);
+    // The colour picker; false when the user cancels.
+    virtual bool chooseColour(KColor& colour);
+    // The element's dialog (a wait, a text, a speech, a pause, a sound, a
+    // page transition, a movie or an image).
+    virtual void openElementDialog(Tape& tape, TapeObject& element);
+    virtual void editBookmark(Tape& tape, TapeObject& element);
+    // Asks where a missing media file went. True when the user gave up;
+    // otherwise `file` names the new place when it was found.
+    virtual bool findMissingFile(KFileReference& file, KDirectory& directory, KDirectory* second);
+    // Copies a referred file into the publishing folder.
+    virtual void collectMediaFile(KFileReference& file, KDirectory& from, KDirectory& to);
+    // Warns once that the speech or the movie engine is missing, if it is.
+    virtual void checkSpeechEngine();
+    virtual void checkMovieEngine();
+
+    // --- Cursor, media, actors, resources -----------------------------------
+
+    virtual void beginBusyCursor();
+    virtual void endBusyCursor();
+    virtual void pauseAllMedia();
+    virtual void stopAllMedia();
+    // A frame tape changed: its actor is marked modified.
+    virtual void markActorModified(KThing& actor);
+    // Fills an image from a bitmap resource of the program; false when there
+    // is none.
+    virtual bool loadBitmapResource(int16_t id, KImage& image);
+    // The book printer's options, which leave page backgrounds white.
+    virtual bool printingWithoutColourBackgrounds();
+    virtual bool printingWithoutImageBackgrounds();
+};
+
+// Shows the busy cursor for a scope.
+class TapeBusyCursor {
+public:
+    TapeBusyCursor() { TapeHost::get().beginBusyCursor(); }
+    ~TapeBusyCursor() { TapeHost::get().endBusyCursor(); }
+    TapeBusyCursor(const TapeBusyCursor&) = delete;
+    TapeBusyCursor& operator=(const TapeBusyCursor&) = delete;
+};
+
+// An English key in the user's language.
+KString tapeTranslate(const char* key);

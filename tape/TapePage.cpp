@@ -1,0 +1,27 @@
+#include "tape/TapePage.h"
+
+#include "kernel/KClass.h"
+
+K_DEFINE_ABSTRACT_CLASS(TapePage, KThing)
+
+TapePage::TapePage() = default;
+
+TapePage::~TapePage() = default;
+
+void TapePage::refreshAll() { refresh(getPageBounds()); }
+
+void TapePage::refreshSpriteLayer() { refreshAll(); }
+
+void TapePage::stopActors(Tape&) { }
+
+void TapePage::resetActors(Tape&) { }
+
+void TapePage::synchroniseActors(Tape&, int32_t, int32_t) { }
+
+void TapePage::releaseActors(Tape&) { }
+
+KGraphicRectangle TapePage::getPageBounds()
+{
+    KGraphicSize size = getPageSize();
+    return KGraphicRectangle(0, 0, size.width, size.height);
+}
