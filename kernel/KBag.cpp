@@ -261,7 +261,8 @@ void KBag::readCounts(KFile& file, int32_t slotsInStream)
     bool sound = used >= 0 && used <= slotsInStream && min >= 0 && min <= slotsInStream;
     if (!sound && !file.getError())
         file.setError(KError::CouldNotReadFile);
-    used -= getDroppedOnRead();
+    // A damaged count may be anything, so clamp before subtracting.
+    used = std::clamp(used, 0, slotsInStream < 0 ? 0 : slotsInStream) - getDroppedOnRead();
     usedSize = std::clamp(used, 0, getCapacity());
     growSize = grow < 1 ? 1 : grow;
     minSize = sound ? min : 0;

@@ -25,12 +25,14 @@ constexpr int32_t kPointsMinSize = 100;
 constexpr int16_t kHighlightOuter = 8;
 constexpr int16_t kHighlightInner = 4;
 
+// Truncation toward zero into 16 bits, a value out of range kept at the
+// nearest end.
 int16_t clampShort(double value)
 {
+    if (!(value > SHRT_MIN))
+        return SHRT_MIN;
     if (value > SHRT_MAX)
         return SHRT_MAX;
-    if (value < SHRT_MIN)
-        return SHRT_MIN;
     return int16_t(value);
 }
 
@@ -483,8 +485,8 @@ void Stroke::scale(double x, double y)
     brushHeight = std::max<int16_t>(1, clampShort(brushHeight * y));
     int32_t* data = points.getDirectData();
     for (int32_t i = 0; i + 1 < points.getSize(); i += 2) {
-        data[i] = int16_t(int32_t((int16_t(data[i]) - cx) * x) + cx);
-        data[i + 1] = int16_t(int32_t((int16_t(data[i + 1]) - cy) * y) + cy);
+        data[i] = int16_t(clampShort((int16_t(data[i]) - cx) * x) + cx);
+        data[i + 1] = int16_t(clampShort((int16_t(data[i + 1]) - cy) * y) + cy);
     }
     noteChanged();
 }

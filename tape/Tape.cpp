@@ -9,6 +9,7 @@
 #include "windowing/KTimer.h"
 
 #include <algorithm>
+#include <cstdint>
 
 namespace {
 
@@ -16,6 +17,17 @@ namespace {
 // up to the second only the tools; taller ones neither.
 constexpr int32_t kSmallScreenHeight = 480;
 constexpr int32_t kMediumScreenHeight = 600;
+
+// Truncation toward zero into 16 bits, a value out of range kept at the
+// nearest end.
+int16_t clampShort(double value)
+{
+    if (!(value > INT16_MIN))
+        return INT16_MIN;
+    if (value > INT16_MAX)
+        return INT16_MAX;
+    return int16_t(value);
+}
 
 } // namespace
 
@@ -408,7 +420,7 @@ void Tape::scaleAll(double x, double y)
         KGraphicRectangle own = element->getBounds();
         int32_t ex = own.x + own.width / 2;
         int32_t ey = own.y + own.height / 2;
-        element->moveBy(int16_t((cx - ex) * (1.0 - x)), int16_t((cy - ey) * (1.0 - y)));
+        element->moveBy(clampShort((cx - ex) * (1.0 - x)), clampShort((cy - ey) * (1.0 - y)));
     }
 }
 

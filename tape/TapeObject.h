@@ -72,10 +72,12 @@ public:
     virtual void stopPlaying();
     // Draws the finished element on the page and refreshes what changed.
     virtual void drawOnPage();
-    virtual void drawOn(KGraphicDevice& device, const KGraphicRectangle& target, const KGraphicRectangle& clip);
+    // Draws the finished element on any device, the part `source` of the
+    // page scaled into `target` (a thumbnail, a printed page).
+    virtual void drawOn(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target);
     // The mark that shows which element is the current one. The default is
     // the icon of the element's type in the upper right corner.
-    virtual void drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& target, const KGraphicRectangle& clip);
+    virtual void drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target);
     virtual void drawSilhouette(KGraphicDevice& device, const KGraphicRectangle& from, const KGraphicRectangle& to);
     virtual void mirror(bool horizontal, int16_t centre);
     virtual void redrawOver();
