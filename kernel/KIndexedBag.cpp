@@ -1,4 +1,5 @@
 #include "kernel/KIndexedBag.h"
+#include "kernel/KMapHalves.h"
 
 #include "kernel/KClass.h"
 #include "kernel/KClassStreamState.h"
@@ -122,22 +123,10 @@ void KIndexedBag::readHalves(KFile& file)
     objects.setNulledOnRead(0);
     keys.readFromFile(file);
     objects.readFromFile(file);
-    if (checkHalves(file))
+    if (kCheckMapHalves(file, keys, objects, true))
         removeUnreadEntries();
 }
 
-bool KIndexedBag::checkHalves(KFile& file)
-{
-    if (keys.getIsDirect() && !objects.getIsDirect() && keys.getSize() == objects.getSize())
-        return true;
-    if (!file.getError())
-        file.setError(KError::CouldNotReadFile);
-    keys.setSize(0);
-    objects.setSize(0);
-    keys.setIsDirect(true);
-    objects.setIsDirect(false);
-    return false;
-}
 
 void KIndexedBag::removeUnreadEntries()
 {

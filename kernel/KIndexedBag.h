@@ -46,7 +46,6 @@ public:
 private:
     void readHalves(KFile& file);
     // Damaged halves (of the wrong kind or of different lengths) are emptied.
-    bool checkHalves(KFile& file);
     void removeUnreadEntries();
 
     KBag keys;

@@ -1,4 +1,5 @@
 #include "kernel/KNamedBag.h"
+#include "kernel/KMapHalves.h"
 
 #include "kernel/KClass.h"
 #include "kernel/KClassStreamState.h"
@@ -176,22 +177,10 @@ void KNamedBag::readHalves(KFile& file)
     objects.setNulledOnRead(0);
     keys.readFromFile(file);
     objects.readFromFile(file);
-    if (checkHalves(file))
+    if (kCheckMapHalves(file, keys, objects, false))
         removeUnreadEntries();
 }
 
-bool KNamedBag::checkHalves(KFile& file)
-{
-    if (!keys.getIsDirect() && !objects.getIsDirect() && keys.getSize() == objects.getSize())
-        return true;
-    if (!file.getError())
-        file.setError(KError::CouldNotReadFile);
-    keys.setSize(0);
-    objects.setSize(0);
-    keys.setIsDirect(false);
-    objects.setIsDirect(false);
-    return false;
-}
 
 void KNamedBag::removeUnreadEntries()
 {

@@ -59,7 +59,6 @@ public:
 private:
     void readHalves(KFile& file);
     // Damaged halves (of the wrong kind or of different lengths) are emptied.
-    bool checkHalves(KFile& file);
     void removeUnreadEntries();
 
     // `probe` is the key as compared: upper-cased when not case sensitive.
