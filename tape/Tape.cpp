@@ -1,6 +1,7 @@
 #include "tape/Tape.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KDirectory.h"
 #include "kernel/KStringBag.h"
 #include "kernel/KVariable.h"
 #include "tape/Stroke.h"
@@ -124,6 +125,12 @@ void Tape::setLooping(bool looping)
 }
 
 void Tape::setPageSize(const KGraphicSize& size) { pageSize = size; }
+
+void Tape::setMediaDirectory(const KDirectory& directory) { mediaDirectory = KDirectoryPtr(new KDirectory(directory)); }
+
+void Tape::clearMediaDirectory() { mediaDirectory.clear(); }
+
+KDirectory* Tape::getMediaDirectory() const { return mediaDirectory.get(); }
 
 void Tape::clearPlayingObject() { playingObject.clear(); }
 

@@ -84,6 +84,12 @@ public:
     void setOwnerActor(KThing* actor) { ownerActor = actor; }
     KThing* getOwnerProject() const { return ownerProject; }
     void setOwnerProject(KThing* project) { ownerProject = project; }
+    // The folder where the elements look for their media files by name; the
+    // project sets it to its "Media" folder. Null when the tape has none,
+    // and then the elements use the paths they stored.
+    KDirectory* getMediaDirectory() const;
+    void setMediaDirectory(const KDirectory& directory);
+    void clearMediaDirectory();
 
     // --- The page ----------------------------------------------------------
 
@@ -231,6 +237,7 @@ private:
     TapePagePtr spriteSystem;
     KThing* ownerActor = nullptr;
     KThing* ownerProject = nullptr;
+    KDirectoryPtr mediaDirectory;
     KFlagSet flags;
     int32_t playState = Stopped;
     int32_t frameKind = Story;

@@ -1,5 +1,7 @@
 #include "tape/TapeHost.h"
 
+#include <cstdio>
+
 #include "tape/Tape.h"
 #include "windowing/KNativeLayer.h"
 #include "windowing/KServices.h"
@@ -85,6 +87,11 @@ void TapeHost::openElementDialog(Tape&, TapeObject&) { }
 void TapeHost::editBookmark(Tape&, TapeObject&) { }
 bool TapeHost::findMissingFile(KFileReference&, KDirectory&, KDirectory*) { return false; }
 void TapeHost::collectMediaFile(KFileReference&, KDirectory&, KDirectory&) { }
+
+void TapeHost::refuseMediaName(const KString& name)
+{
+    std::fprintf(stderr, "TaleLoom: the media name \"%s\" points outside the project folder and was ignored.\n", name.c_str());
+}
 void TapeHost::checkSpeechEngine() { }
 void TapeHost::checkMovieEngine() { }
 void TapeHost::beginBusyCursor() { }

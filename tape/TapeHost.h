@@ -74,6 +74,9 @@ public:
     virtual bool findMissingFile(KFileReference& file, KDirectory& directory, KDirectory* second);
     // Copies a referred file into the publishing folder.
     virtual void collectMediaFile(KFileReference& file, KDirectory& from, KDirectory& to);
+    // A media name read from a document pointed outside the project's
+    // folders and was dropped. The quiet host writes one line to stderr.
+    virtual void refuseMediaName(const KString& name);
     // Warns once that the speech or the movie engine is missing, if it is.
     virtual void checkSpeechEngine();
     virtual void checkMovieEngine();

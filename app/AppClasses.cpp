@@ -1,0 +1,8 @@
+#include "app/AppClasses.h"
+
+#include "tape/TapeClasses.h"
+
+void registerDocumentClasses()
+{
+    registerTapeClasses();
+}
