@@ -1,7 +1,13 @@
 #include "app/StylusWindow.h"
 
+#include "graphics/KColor.h"
+#include "graphics/KGraphicSize.h"
 #include "kernel/KClass.h"
+#include "kmultimedia/KSpriteSystem.h"
+#include "kmultimedia/StylusSpriteSystem.h"
 #include "windowing/KNativeLayer.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -32,3 +38,98 @@ StylusWindow::~StylusWindow()
 }
 
 StylusWindow* StylusWindow::current() { return gStylusWindow; }
+
+void StylusWindow::open(int32_t mode)
+{
+    KWindow::open(mode);
+    if (isOpen())
+        finishOpen();
+}
+
+void StylusWindow::finishOpen()
+{
+    if (spriteSystem)
+        return;
+    spriteSystem = kAdopt(new StylusSpriteSystem());
+    spriteSystem->setPageSize(KGraphicSize(kDefaultWidth, kDefaultHeight));
+    spriteSystem->attachDevice(*this);
+    addLayer(*spriteSystem);
+    placePage();
+}
+
+// The scene holds the window as its device and the window holds the scene
+// as a layer: removing the layer undoes both.
+void StylusWindow::close()
+{
+    if (StylusSpriteSystemPtr scene = spriteSystem) {
+        spriteSystem.clear();
+        scene->pause();
+        removeLayer(*scene);
+        scene->detachDevice();
+    }
+    KWindow::close();
+}
+
+StylusSpriteSystem& StylusWindow::getSpriteSystem() const { return spriteSystem.getObject(); }
+
+bool StylusWindow::hasSpriteSystem() const { return spriteSystem.get() != nullptr; }
+
+KGraphicRectangle StylusWindow::getPageRectangle() const
+{
+    if (!spriteSystem)
+        return KGraphicRectangle();
+    return KGraphicRectangle(spriteSystem->getOrigin(), spriteSystem->getPageSize());
+}
+
+KGraphicPoint StylusWindow::centredOrigin() const
+{
+    KGraphicSize page = spriteSystem->getPageSize();
+    const KGraphicRectangle& client = getClientBounds();
+    int32_t x = std::max<int32_t>(0, (client.width - page.width) / 2);
+    int32_t y = std::max<int32_t>(0, (client.height - page.height) / 2);
+    return KGraphicPoint(int16_t(x), int16_t(y));
+}
+
+// A new place shows at the next paint, which fills the surroundings and
+// paints the page whole.
+void StylusWindow::placePage()
+{
+    if (!spriteSystem)
+        return;
+    spriteSystem->setOrigin(centredOrigin());
+    layoutStale = true;
+    invalidate();
+}
+
+KEventReturn StylusWindow::doResized(KWindowEvent&)
+{
+    placePage();
+    return 0;
+}
+
+void StylusWindow::fillSurroundings()
+{
+    KGraphicRectangle page = getPageRectangle();
+    KGraphicRectangle client(0, 0, getClientBounds().width, getClientBounds().height);
+    KColor face(KColor::ButtonFace2);
+    int32_t pageRight = page.getRight();
+    int32_t pageBottom = int32_t(page.y) + page.height;
+    // Above, below, left and right of the page.
+    fillRectangle(KGraphicRectangle(0, 0, client.width, page.y), face);
+    fillRectangle(KGraphicRectangle(0, int16_t(pageBottom), client.width, int16_t(client.height - pageBottom)), face);
+    fillRectangle(KGraphicRectangle(0, page.y, page.x, page.height), face);
+    fillRectangle(KGraphicRectangle(int16_t(pageRight), page.y, int16_t(client.width - pageRight), page.height), face);
+}
+
+// The back buffer keeps what the frames brought, so a paint asked for by a
+// frame has nothing to do; the layer then paints the page only when the
+// layout changed.
+KEventReturn StylusWindow::doPaint(KWindowEvent&)
+{
+    if (!spriteSystem || !layoutStale)
+        return 0;
+    layoutStale = false;
+    fillSurroundings();
+    spriteSystem->repaintPage();
+    return 0;
+}

@@ -1,9 +1,17 @@
 #pragma once
 
+#include "graphics/KGraphicPoint.h"
+#include "graphics/KGraphicRectangle.h"
+#include "kmultimedia/KMultimediaForward.h"
 #include "windowing/KWindow.h"
 
-// The program's main window. It shows the page, a black surface of the
-// document's size.
+// The program's main window. It shows the page through the scene's sprite
+// system, its one layer: a black page of the document's size, centred when
+// the window is larger. The system's frame timer brings each frame to the
+// window's back buffer, only the rectangles that changed, and those alone
+// are shown again. A paint of the window redraws nothing that the back
+// buffer still holds: only after opening, a resize or a move of the page
+// are the surroundings filled and the page painted whole.
 class StylusWindow : public KWindow {
     K_DECLARE_CLASS(StylusWindow)
 public:
@@ -14,5 +22,32 @@ public:
     StylusWindow();
     ~StylusWindow() override;
 
+    // Opens the native window, then `finishOpen`.
+    void open(int32_t mode) override;
+    // Lets go of the scene first, so that no frame reaches a closed window.
+    void close() override;
+    // Makes the scene, attaches it to the window and shows the black page.
+    void finishOpen();
+
+    KEventReturn doPaint(KWindowEvent& event) override;
+    KEventReturn doResized(KWindowEvent& event) override;
+
+    // The scene; error 18 when the window has not been opened.
+    StylusSpriteSystem& getSpriteSystem() const;
+    bool hasSpriteSystem() const;
+    // Where the page stands in the window.
+    KGraphicRectangle getPageRectangle() const;
+
     static StylusWindow* current();
+
+private:
+    // The page's place for the window's present size.
+    KGraphicPoint centredOrigin() const;
+    void placePage();
+    // The window's area around the page, in the face colour.
+    void fillSurroundings();
+
+    StylusSpriteSystemPtr spriteSystem;
+    // The back buffer no longer holds the surroundings and the page.
+    bool layoutStale = true;
 };

@@ -62,6 +62,25 @@ inline void invertRun(uint32_t* p, int32_t n)
         *p ^= KPixelBuffer::kColourBits;
 }
 
+// Asks for a row's cache lines ahead of time. Rows of a narrow area lie a
+// stride apart, where the processor's own prefetching does not follow, and
+// short row operations would otherwise wait for each row in turn.
+inline void prefetchRow(const uint32_t* row, int32_t n)
+{
+    constexpr int32_t kLine = 64 / int32_t(sizeof(uint32_t));
+    for (int32_t i = 0; i < n; i += kLine)
+        __builtin_prefetch(row + i);
+    __builtin_prefetch(row + n - 1);
+}
+
+inline void prefetchRowForWriting(uint32_t* row, int32_t n)
+{
+    constexpr int32_t kLine = 64 / int32_t(sizeof(uint32_t));
+    for (int32_t i = 0; i < n; i += kLine)
+        __builtin_prefetch(row + i, 1);
+    __builtin_prefetch(row + n - 1, 1);
+}
+
 // x / 255 rounded, exact for 0 <= x <= 255 × 255.
 inline uint32_t divide255(uint32_t x)
 {
@@ -71,5 +90,11 @@ inline uint32_t divide255(uint32_t x)
 
 // Premultiplies an RGB24 colour by an alpha into an ARGB32 pixel.
 uint32_t premultiply(uint32_t rgb, uint8_t alpha);
+
+// One row of a prepared masked picture: d = (d AND keep) OR put, colour
+// bits only. With keep = source and put = source AND NOT mask it is the
+// pair of raster operations MergePaint (mask) and And (source) in a single
+// pass.
+void keepAndPutRow(uint32_t* d, const uint32_t* keep, const uint32_t* put, int32_t n);
 
 } // namespace KPixelOps

@@ -1,13 +1,16 @@
 #include "kmultimedia/KSprite.h"
 
 #include "graphics/KAlphaImage.h"
+#include "graphics/KGraphicClipGuard.h"
 #include "graphics/KGraphicDevice.h"
+#include "graphics/KMaskedFrame.h"
 #include "kernel/KClass.h"
 #include "kernel/KFileReference.h"
 #include "kernel/KPath.h"
 #include "kmultimedia/KSpriteLayer.h"
 
 #include <cstdio>
+#include <typeinfo>
 
 K_DEFINE_CLASS(KSprite, KAnimationObject)
 
@@ -46,7 +49,11 @@ KSprite::KSprite(const KSprite& other)
     }
 }
 
-KSprite::~KSprite() { frames.clear(); }
+KSprite::~KSprite()
+{
+    forgetPreparedFrames();
+    frames.clear();
+}
 
 KThing* KSprite::deepCopy() const { return new KSprite(*this); }
 
@@ -74,9 +81,48 @@ KGraphicRectangle KSprite::getBounds()
 void KSprite::draw(KGraphicDevice& device)
 {
     KGraphicRectangle bounds = getBounds();
-    if (KAlphaImage* frame = getFrameImage(currentFrame))
-        frame->drawIn(device, bounds);
+    KAlphaImage* frame = getFrameImage(currentFrame);
+    if (!frame || drawPrepared(*frame, device, bounds))
+        return;
+    frame->drawIn(device, bounds);
 }
+
+void KSprite::drawClipped(KGraphicDevice& device, const KGraphicRectangle& clip)
+{
+    KGraphicClipGuard guard(device);
+    device.intersectClip(clip);
+    draw(device);
+}
+
+bool KSprite::drawsOnlyItsFrame() const { return typeid(*this) == typeid(KSprite); }
+
+KMaskedFrame* KSprite::prepareFrame(KAlphaImage& frame, const KGraphicRectangle& bounds)
+{
+    if (bounds.getSize() != frame.getSize() || bounds.isEmpty())
+        return nullptr;
+    if (preparedFrames.size() < size_t(frames.getSize()))
+        preparedFrames.resize(size_t(frames.getSize()));
+    std::unique_ptr<KMaskedFrame>& prepared = preparedFrames[size_t(currentFrame)];
+    if (!prepared)
+        prepared = std::make_unique<KMaskedFrame>();
+    return prepared->prepare(frame) ? prepared.get() : nullptr;
+}
+
+bool KSprite::drawPrepared(KAlphaImage& frame, KGraphicDevice& device, const KGraphicRectangle& bounds)
+{
+    KMaskedFrame* prepared = prepareFrame(frame, bounds);
+    return prepared && prepared->drawTo(device, bounds.getOrigin());
+}
+
+const KMaskedFrame* KSprite::getRowFrame()
+{
+    KAlphaImage* frame = getFrameImage(currentFrame);
+    if (!frame || !drawsOnlyItsFrame())
+        return nullptr;
+    return prepareFrame(*frame, getBounds());
+}
+
+void KSprite::forgetPreparedFrames() { preparedFrames.clear(); }
 
 bool KSprite::overlaps(KAnimationObject& other)
 {
@@ -121,7 +167,11 @@ KAlphaImage* KSprite::getFrameImage(int32_t index) const
 
 void KSprite::addFrame(KAlphaImage& image) { frames.add(image); }
 
-void KSprite::removeFrame(KAlphaImage& image) { frames.removeObject(image); }
+void KSprite::removeFrame(KAlphaImage& image)
+{
+    frames.removeObject(image);
+    forgetPreparedFrames();
+}
 
 void KSprite::insertFrame(KAlphaImage& image, int32_t index)
 {
@@ -130,10 +180,12 @@ void KSprite::insertFrame(KAlphaImage& image, int32_t index)
     if (index > frames.getSize())
         index = frames.getSize();
     frames.insertAt(image, index);
+    forgetPreparedFrames();
 }
 
 void KSprite::setFrames(KBag& images)
 {
+    forgetPreparedFrames();
     frames.clear();
     for (int32_t i = 0; i < images.getSize(); ++i) {
         KThing* thing = images.getAt(i);
@@ -166,6 +218,7 @@ void KSprite::setFrameAlphaMode(int32_t mode)
 
 bool KSprite::loadFrames(const KFileReference& first, int32_t count)
 {
+    forgetPreparedFrames();
     frames.clear();
     bool allLoaded = true;
     for (int32_t number = 1; number <= count; ++number) {
@@ -178,6 +231,7 @@ bool KSprite::loadFrames(const KFileReference& first, int32_t count)
 
 bool KSprite::loadFrames(const KFileReference& first, const KFileReference& mask, int32_t count, bool singleMask)
 {
+    forgetPreparedFrames();
     frames.clear();
     bool allLoaded = true;
     for (int32_t number = 1; number <= count; ++number) {

@@ -7,6 +7,11 @@
 #include "kmultimedia/KAnimationObject.h"
 #include "kmultimedia/KMultimediaForward.h"
 
+#include <memory>
+#include <vector>
+
+class KMaskedFrame;
+
 // A moving picture of the scene: a list of frames, one of which is shown
 // at the object's position, scaled by its scale, with its origin on the
 // position. The sprite system composes it over the background; `drawnRect`
@@ -34,8 +39,18 @@ public:
     // origin, the frame's size scaled; empty when no frame is shown.
     virtual KGraphicRectangle getBounds();
     // Draws the current frame into the bounds; visibility is the system's
-    // business.
+    // business. An unscaled masked frame goes through its prepared runs.
     virtual void draw(KGraphicDevice& device);
+    // The same, only within the rectangle (device terms): `draw` under a
+    // narrowed clip, so that sprites drawing their own way are clipped too.
+    void drawClipped(KGraphicDevice& device, const KGraphicRectangle& clip);
+    // Whether `draw` is this class's own, the frame and nothing else: then
+    // the system may compose the sprite a row at a time. True only for
+    // plain sprites; a subclass that keeps `draw` may answer true as well.
+    virtual bool drawsOnlyItsFrame() const;
+    // The current frame prepared for drawing by rows, when the sprite shows
+    // it unscaled that way; null otherwise.
+    const KMaskedFrame* getRowFrame();
     // The bounds of both intersect.
     bool overlaps(KAnimationObject& other) override;
 
@@ -85,4 +100,13 @@ protected:
     KGraphicRectangle drawnRect;
     KGraphicRectangle currentRect;
     KFlagSet spriteFlags;
+
+private:
+    // Frames are prepared on their first draw, one entry an index; the
+    // entries rebuild themselves when their image changed.
+    bool drawPrepared(KAlphaImage& frame, KGraphicDevice& device, const KGraphicRectangle& bounds);
+    KMaskedFrame* prepareFrame(KAlphaImage& frame, const KGraphicRectangle& bounds);
+    void forgetPreparedFrames();
+
+    std::vector<std::unique_ptr<KMaskedFrame>> preparedFrames;
 };

@@ -2,12 +2,19 @@
 
 #include "graphics/KColor.h"
 #include "graphics/KGraphicDevice.h"
+#include "graphics/KGraphicRegion.h"
 #include "graphics/KImage.h"
+#include "graphics/KMaskedFrame.h"
+#include "graphics/KPixelOps.h"
+#include "graphics/native/KNativeDevice.h"
 #include "kernel/KClass.h"
 #include "kernel/KError.h"
 #include "kernel/KErrorHandler.h"
 #include "kmultimedia/KSprite.h"
 #include "kmultimedia/KSpriteLayer.h"
+
+#include <algorithm>
+#include <cstring>
 
 K_DEFINE_CLASS(KSpriteSystem, KAnimationSystem)
 
@@ -31,6 +38,33 @@ void fillBlack(KGraphicDevice& device, const KGraphicRectangle& rectangle)
     device.fillRectangle(rectangle, KColor(KColor::Black));
 }
 
+int64_t areaOf(const KGraphicRectangle& r) { return int64_t(r.width) * r.height; }
+
+// Overlapping areas become one where their bounding box costs no more
+// pixels than the two apart; others stay apart (an overlap composed twice
+// comes out the same).
+void mergeOverlappingAreas(std::vector<KGraphicRectangle>& areas)
+{
+    bool merged = true;
+    while (merged) {
+        merged = false;
+        for (size_t i = 0; i < areas.size(); ++i) {
+            for (size_t j = i + 1; j < areas.size(); ++j) {
+                if (!areas[i].intersects(areas[j]))
+                    continue;
+                KGraphicRectangle both = areas[i];
+                both.uniteWith(areas[j]);
+                if (areaOf(both) > areaOf(areas[i]) + areaOf(areas[j]))
+                    continue;
+                areas[i] = both;
+                areas.erase(areas.begin() + std::ptrdiff_t(j));
+                merged = true;
+                --j;
+            }
+        }
+    }
+}
+
 } // namespace
 
 KSpriteSystem::KSpriteSystem()
@@ -38,6 +72,8 @@ KSpriteSystem::KSpriteSystem()
     prepareList(dirtySprites);
     prepareList(removalSprites);
     prepareList(extraRects);
+    dirtyAreas.reserve(size_t(kListRoom));
+    rowSprites.reserve(size_t(kListRoom));
 }
 
 KSpriteSystem::~KSpriteSystem()
@@ -281,12 +317,12 @@ void KSpriteSystem::drawFrame()
     collectSpritesToDraw();
     if (!canDraw())
         return;
-    restoreUnderDirtySprites();
-    drawDirtySprites();
+    collectDirtyAreas();
+    composeDirtyAreas();
     if (updateMode == Incremental)
         transferWholeBuffer();
     else
-        transferChangedRectangles();
+        transferExtraRectangles();
     removeLeavingSprites();
 }
 
@@ -322,25 +358,17 @@ void KSpriteSystem::collectSpritesToDraw()
     });
 }
 
-void KSpriteSystem::restoreUnderDirtySprites()
+// The old and the new place of each dirty sprite: one rectangle when they
+// meet, two when it jumped.
+void KSpriteSystem::collectDirtyAreas()
 {
-    for (int32_t i = 0; i < dirtySprites.getSize(); ++i)
-        restoreBackground(spriteAt(dirtySprites, i)->getDrawnRect());
-}
-
-void KSpriteSystem::drawDirtySprites()
-{
-    KGraphicDevice& buffer = offscreen->getDevice();
-    for (int32_t i = 0; i < dirtySprites.getSize(); ++i) {
-        KSprite* sprite = spriteAt(dirtySprites, i);
-        if (sprite->isVisible())
-            sprite->draw(buffer);
-        sprite->setDirty(false);
-    }
-}
-
-void KSpriteSystem::transferChangedRectangles()
-{
+    dirtyAreas.clear();
+    KGraphicRectangle bounds = bufferBounds();
+    auto add = [&](KGraphicRectangle area) {
+        area.intersectWith(bounds);
+        if (!area.isEmpty())
+            dirtyAreas.push_back(area);
+    };
     for (int32_t i = 0; i < dirtySprites.getSize(); ++i) {
         KSprite* sprite = spriteAt(dirtySprites, i);
         const KGraphicRectangle& drawn = sprite->getDrawnRect();
@@ -348,12 +376,156 @@ void KSpriteSystem::transferChangedRectangles()
         if (drawn.intersects(current)) {
             KGraphicRectangle both = drawn;
             both.uniteWith(current);
-            transferRectangle(both);
+            add(both);
         } else {
-            transferRectangle(drawn);
-            transferRectangle(current);
+            add(drawn);
+            add(current);
         }
     }
+    mergeOverlappingAreas(dirtyAreas);
+}
+
+// In mode 2 each area goes to the device as soon as it is composed; an
+// overlap of two areas composed twice comes out the same both times.
+void KSpriteSystem::composeDirtyAreas()
+{
+    for (const KGraphicRectangle& area : dirtyAreas) {
+        if (composeAreaByRows(area))
+            continue;
+        composeArea(area);
+        if (updateMode == Rectangles)
+            transferRectangle(area);
+    }
+    for (int32_t i = 0; i < dirtySprites.getSize(); ++i)
+        spriteAt(dirtySprites, i)->setDirty(false);
+}
+
+// The area from the background up, with every visible sprite that crosses
+// it, bottom layer first: dirty or not, whatever lies there is drawn again.
+void KSpriteSystem::composeArea(const KGraphicRectangle& area)
+{
+    restoreBackground(area);
+    KGraphicDevice& buffer = offscreen->getDevice();
+    forEachSprite([&](KSprite& sprite) {
+        if (sprite.isVisible() && sprite.getCurrentRect().intersects(area))
+            sprite.drawClipped(buffer, area);
+    });
+}
+
+bool KSpriteSystem::collectRowSprites(const KGraphicRectangle& area)
+{
+    rowSprites.clear();
+    bool prepared = true;
+    forEachSprite([&](KSprite& sprite) {
+        if (!prepared || !sprite.isVisible() || !sprite.getCurrentRect().intersects(area))
+            return;
+        const KMaskedFrame* frame = sprite.getRowFrame();
+        if (!frame) {
+            prepared = false;
+            return;
+        }
+        rowSprites.push_back(RowSprite { frame, sprite.getCurrentRect().x, sprite.getCurrentRect().y });
+    });
+    return prepared;
+}
+
+bool KSpriteSystem::directTarget(const KWideRectangle& target, KPixelBuffer& pixels)
+{
+    if (device.get() == &offscreen->getDevice() || !device->hasPixelAccess()
+        || device->getNativeDevice()->getFormat() != KNativeDevice::Format::Rgb24)
+        return false;
+    const KGraphicRegion& clip = device->getClip();
+    KWideRectangle reachable = clip.getBounds();
+    if (!clip.isRectangle(reachable))
+        return false;
+    reachable.intersectWith(device->getBounds().toWide());
+    KWideRectangle inside = target;
+    inside.intersectWith(reachable);
+    if (inside != target || !device->beginPixelAccess(pixels))
+        return false;
+    return target.getRight() <= pixels.width && target.getBottom() <= pixels.height;
+}
+
+bool KSpriteSystem::composeAreaByRows(const KGraphicRectangle& area)
+{
+    KPixelBuffer buffer, under, screen;
+    if (!collectRowSprites(area) || !offscreen->getDevice().beginPixelAccess(buffer))
+        return false;
+    if (background
+        && (!background->getDevice().beginPixelAccess(under) || area.getRight() > under.width
+            || area.getBottom() > under.height))
+        return false;
+    KWideRectangle target = area.toWide();
+    target.offset(destinationRect.x, destinationRect.y);
+    bool direct = updateMode == Rectangles && directTarget(target, screen);
+    const int32_t width = area.width;
+    const size_t rowBytes = size_t(width) * sizeof(uint32_t);
+    for (int32_t y = area.y; y < area.getBottom(); ++y) {
+        bool more = y + 1 < area.getBottom();
+        uint32_t* row = buffer.row(y);
+        if (more)
+            KPixelOps::prefetchRowForWriting(row + buffer.stride + area.x, width);
+        restoreRow(row, under, area, y);
+        for (const RowSprite& sprite : rowSprites) {
+            int32_t frameRow = y - sprite.y;
+            if (frameRow >= 0 && frameRow < sprite.frame->getHeight())
+                sprite.frame->drawRow(row, frameRow, sprite.x, area.x - sprite.x, area.getRight() - sprite.x);
+        }
+        if (direct) {
+            uint32_t* out = screen.at(target.x, target.y + (y - area.y));
+            if (more)
+                KPixelOps::prefetchRowForWriting(out + screen.stride, width);
+            std::memcpy(out, row + area.x, rowBytes);
+        }
+    }
+    offscreen->getDevice().endPixelAccess(area.toWide());
+    if (direct)
+        device->endPixelAccess(target);
+    else if (updateMode == Rectangles)
+        transferRectangle(area);
+    return true;
+}
+
+// The background of one row of the area, where no sprite covers it
+// outright: a covering run replaces whatever lies below, so the background
+// under it would be written only to be overwritten.
+void KSpriteSystem::restoreRow(uint32_t* row, const KPixelBuffer& under, const KGraphicRectangle& area, int32_t y)
+{
+    coverSpans.clear();
+    for (const RowSprite& sprite : rowSprites) {
+        int32_t frameRow = y - sprite.y;
+        if (frameRow < 0 || frameRow >= sprite.frame->getHeight())
+            continue;
+        for (const KMaskedFrame::Run* run = sprite.frame->rowBegin(frameRow); run != sprite.frame->rowEnd(frameRow); ++run) {
+            if (run->kind != KMaskedFrame::RunKind::Cover)
+                continue;
+            int32_t start = std::max<int32_t>(area.x, sprite.x + run->x);
+            int32_t end = std::min<int32_t>(area.getRight(), sprite.x + run->x + run->length);
+            if (start < end)
+                coverSpans.emplace_back(start, end);
+        }
+    }
+    std::sort(coverSpans.begin(), coverSpans.end());
+    auto fill = [&](int32_t from, int32_t to) {
+        if (from >= to)
+            return;
+        if (under.data)
+            std::memcpy(row + from, under.at(from, y), size_t(to - from) * sizeof(uint32_t));
+        else
+            KPixelOps::fillRun(row + from, to - from, 0);
+    };
+    int32_t position = area.x;
+    for (const auto& [start, end] : coverSpans) {
+        fill(position, start);
+        position = std::max(position, end);
+    }
+    fill(position, area.getRight());
+    if (under.data && y + 1 < area.getBottom())
+        KPixelOps::prefetchRow(under.at(area.x, y + 1), area.width);
+}
+
+void KSpriteSystem::transferExtraRectangles()
+{
     for (int32_t i = 0; i < extraRects.getSize(); ++i)
         transferRectangle(*static_cast<KGraphicRectangle*>(extraRects.getAt(i)));
     extraRects.clear();

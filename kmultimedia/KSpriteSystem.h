@@ -6,6 +6,12 @@
 #include "kmultimedia/KAnimationSystem.h"
 #include "kmultimedia/KMultimediaForward.h"
 
+#include <utility>
+#include <vector>
+
+class KMaskedFrame;
+struct KPixelBuffer;
+
 // Composes the sprites of its layers over a background into an offscreen
 // buffer and brings the buffer to a device, frame by frame.
 //
@@ -17,6 +23,11 @@
 // Mode 1 (Incremental) then transfers the whole buffer; mode 2
 // (Rectangles) transfers only the changed rectangles, unscaled, displaced
 // by the origin of `destinationRect`.
+//
+// The work is bounded by the dirty areas (the old and new places of the
+// dirty sprites, overlapping ones merged where that saves pixels): each is
+// restored by row copies and recomposed with only the sprites crossing it,
+// clipped to it, so a frame costs what moved.
 //
 // Whoever paints on the background calls `invalidate` with the changed
 // rectangle; the area reaches the device with the next frame.
@@ -79,6 +90,8 @@ public:
     const KBag& getDirtySprites() const { return dirtySprites; }
     const KBag& getRemovalSprites() const { return removalSprites; }
     const KBag& getExtraRects() const { return extraRects; }
+    // The areas the last incremental frame recomposed (buffer terms).
+    const std::vector<KGraphicRectangle>& getDirtyAreas() const { return dirtyAreas; }
 
 protected:
     // The full composition and its transfer.
@@ -94,9 +107,21 @@ private:
     // The steps of the incremental frame.
     void collectDirtySprites();
     void collectSpritesToDraw();
-    void restoreUnderDirtySprites();
-    void drawDirtySprites();
-    void transferChangedRectangles();
+    void collectDirtyAreas();
+    void composeDirtyAreas();
+    // The general way: restore, then each crossing sprite's `draw` clipped
+    // to the area.
+    void composeArea(const KGraphicRectangle& area);
+    // The fast way, when every crossing sprite is a prepared frame: a row
+    // at a time, background, sprites and (mode 2) the transfer to the
+    // device while the row is still in the cache. False when it cannot.
+    bool composeAreaByRows(const KGraphicRectangle& area);
+    bool collectRowSprites(const KGraphicRectangle& area);
+    void restoreRow(uint32_t* row, const KPixelBuffer& under, const KGraphicRectangle& area, int32_t y);
+    // The device's pixels when the area (device terms) can be written
+    // straight into them.
+    bool directTarget(const KWideRectangle& target, KPixelBuffer& pixels);
+    void transferExtraRectangles();
     void removeLeavingSprites();
     void finishRemovals(KBag& leaving);
     // Brings back the background, or black without one, in the rectangle
@@ -118,4 +143,13 @@ private:
     KImagePtr offscreen;
     KGraphicRectangle destinationRect;
     KGraphicRectangle bufferRect;
+    std::vector<KGraphicRectangle> dirtyAreas;
+    struct RowSprite {
+        const KMaskedFrame* frame;
+        int32_t x;
+        int32_t y;
+    };
+    std::vector<RowSprite> rowSprites;
+    // The parts of a row that sprites cover outright, from x to x.
+    std::vector<std::pair<int32_t, int32_t>> coverSpans;
 };

@@ -52,6 +52,7 @@ void StylusSpriteSystem::setPageSize(const KGraphicSize& size)
     spriteSystem->setDestinationRect(destination);
     drawingArea = destination;
     spriteSystem->setBufferRect(KGraphicRectangle(KGraphicPoint(0, 0), size));
+    pagePaintPending = true;
 }
 
 KGraphicSize StylusSpriteSystem::getPageSize() const { return spriteSystem->getBufferRect().getSize(); }
@@ -60,6 +61,7 @@ void StylusSpriteSystem::attachDevice(KGraphicDevice& device)
 {
     spriteSystem->attachDevice(device);
     drawingArea = spriteSystem->getDestinationRect();
+    pagePaintPending = true;
 }
 
 void StylusSpriteSystem::detachDevice() { spriteSystem->detachDevice(); }
@@ -85,6 +87,7 @@ void StylusSpriteSystem::setOrigin(const KGraphicPoint& origin)
     destination.setOrigin(origin);
     spriteSystem->setDestinationRect(destination);
     drawingArea = destination;
+    pagePaintPending = true;
 }
 
 KGraphicPoint StylusSpriteSystem::getOrigin() const { return spriteSystem->getDestinationRect().getOrigin(); }
@@ -245,8 +248,12 @@ KEventReturn StylusSpriteSystem::doMouseUp(KMouseEvent& event)
 KEventReturn StylusSpriteSystem::doPaint(KWindowEvent&)
 {
     KWindow* window = getWindow();
-    if (window && spriteSystem->getOffscreen())
-        spriteSystem->paintTo(*window, spriteSystem->getDestinationRect());
+    if (!window || !spriteSystem->getOffscreen())
+        return 0;
+    if (spriteSystem->getDevice() == window && !pagePaintPending)
+        return 0;
+    pagePaintPending = false;
+    spriteSystem->paintTo(*window, spriteSystem->getDestinationRect());
     return 0;
 }
 

@@ -37,7 +37,8 @@ public:
     KGraphicDevice* getPageDevice() const;
     // The area of the page image changed; the next frame shows it.
     void refresh(const KGraphicRectangle& rectangle);
-    // Where the page stands on the device.
+    // Where the page stands on the device. A new place is painted whole at
+    // the next paint.
     void setOrigin(const KGraphicPoint& origin);
     KGraphicPoint getOrigin() const;
 
@@ -75,7 +76,13 @@ public:
     KEventReturn doMouseDown(KMouseEvent& event) override;
     KEventReturn doMouseMoved(KMouseEvent& event) override;
     KEventReturn doMouseUp(KMouseEvent& event) override;
+    // Paints the page whole when its window is not the target of the frames
+    // or when asked to by `repaintPage`; a window that is the target keeps
+    // what the frames brought in its back buffer.
     KEventReturn doPaint(KWindowEvent& event) override;
+    // The window's back buffer lost the page: the next paint shows it whole.
+    void repaintPage() { pagePaintPending = true; }
+    bool isPagePaintPending() const { return pagePaintPending; }
     // The window is let go with the layer, so that neither keeps the other.
     void resetWindow() override;
 
@@ -102,4 +109,5 @@ private:
     // The layer that took the press, until the release.
     KSpriteLayerPtr pressedLayer;
     bool holdingForText = false;
+    bool pagePaintPending = true;
 };

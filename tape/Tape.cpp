@@ -126,9 +126,18 @@ void Tape::setLooping(bool looping)
 
 void Tape::setPageSize(const KGraphicSize& size) { pageSize = size; }
 
-void Tape::setMediaDirectory(const KDirectory& directory) { mediaDirectory = KDirectoryPtr(new KDirectory(directory)); }
+// Snapshots of the page were drawn with the files of the old folder.
+void Tape::setMediaDirectory(const KDirectory& directory)
+{
+    mediaDirectory = KDirectoryPtr(new KDirectory(directory));
+    pageCache.clear();
+}
 
-void Tape::clearMediaDirectory() { mediaDirectory.clear(); }
+void Tape::clearMediaDirectory()
+{
+    mediaDirectory.clear();
+    pageCache.clear();
+}
 
 KDirectory* Tape::getMediaDirectory() const { return mediaDirectory.get(); }
 

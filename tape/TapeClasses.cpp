@@ -5,6 +5,8 @@
 #include "kmultimedia/KMultimediaClasses.h"
 #include "tape/ImageTapePage.h"
 #include "tape/Stroke.h"
+#include "tape/StylusImage.h"
+#include "tape/StylusMovie.h"
 #include "tape/Tape.h"
 #include "tape/TapeGraphicObject.h"
 #include "tape/TapeObject.h"
@@ -23,6 +25,8 @@ void registerTapeClasses()
     TapeGraphicObject::registerClass();
     Stroke::registerClass();
     WipeOut::registerClass();
+    StylusMovie::registerClass();
+    StylusImage::registerClass();
     Tape::registerClass();
     TapePage::registerClass();
     ImageTapePage::registerClass();

@@ -1,10 +1,12 @@
 #include "tape/TapeGraphicObject.h"
 
+#include "graphics/KColor.h"
 #include "graphics/KGraphicDevice.h"
+#include "graphics/KGraphicDeviceState.h"
+#include "graphics/KGraphicStateGuard.h"
 #include "kernel/KClass.h"
 #include "kernel/KClassReader.h"
 #include "kernel/KClassWriter.h"
-#include "graphics/KColor.h"
 #include "kernel/KFile.h"
 #include "kernel/KJsonWriter.h"
 #include "tape/TapePage.h"
@@ -106,4 +108,19 @@ void TapeGraphicObject::readFromFile(KFile& file)
     }
     reader.end();
     noteChanged();
+}
+
+KGraphicRectangle TapeGraphicObject::movedLike(const KGraphicRectangle& rectangle, const KGraphicRectangle& from,
+                                               const KGraphicRectangle& to)
+{
+    KGraphicRectangle moved = rectangle;
+    moved.offset(int16_t(to.x - from.x), int16_t(to.y - from.y));
+    return moved;
+}
+
+void TapeGraphicObject::fillBlack(KGraphicDevice& device, const KGraphicRectangle& area)
+{
+    KGraphicStateGuard guard(device);
+    device.setPenMode(KGraphicDeviceState::CopyForeground);
+    device.fillRectangle(area, KColor(KColor::Black));
 }

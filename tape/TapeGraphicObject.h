@@ -30,7 +30,18 @@ public:
     virtual bool hitTest(const KGraphicPoint& p) const;
 
 protected:
+    // The mark around the current element: a band this wide outside its
+    // bounds.
+    static constexpr int16_t kHighlightWidth = 2;
+
     void copyFrom(const TapeGraphicObject& other);
+
+    // The rectangle moved as `from` moves onto `to`: where the element lands
+    // when the page's `from` is drawn at `to`.
+    static KGraphicRectangle movedLike(const KGraphicRectangle& rectangle, const KGraphicRectangle& from,
+                                       const KGraphicRectangle& to);
+    // What stands for a picture that cannot be shown.
+    static void fillBlack(KGraphicDevice& device, const KGraphicRectangle& area);
 
     // Stores the rectangle, whatever getBounds computes, without counting
     // as a change of what the element draws.

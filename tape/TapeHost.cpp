@@ -94,6 +94,8 @@ void TapeHost::refuseMediaName(const KString& name)
 }
 void TapeHost::checkSpeechEngine() { }
 void TapeHost::checkMovieEngine() { }
+bool TapeHost::isMouseButtonDown() { return false; }
+void TapeHost::showingMovie(bool) { }
 void TapeHost::beginBusyCursor() { }
 void TapeHost::endBusyCursor() { }
 void TapeHost::pauseAllMedia() { }

@@ -80,6 +80,12 @@ public:
     // Warns once that the speech or the movie engine is missing, if it is.
     virtual void checkSpeechEngine();
     virtual void checkMovieEngine();
+    // Whether the mouse button is held down now; a movie that can be
+    // stopped ends at a press. The quiet host knows no mouse: false.
+    virtual bool isMouseButtonDown();
+    // A movie plays on the page (true) or has ended (false): the main
+    // window's sprite layer shows the page more often while one is on.
+    virtual void showingMovie(bool on);
 
     // --- Cursor, media, actors, resources -----------------------------------
 

@@ -20,6 +20,14 @@ void TapePage::synchroniseActors(Tape&, int32_t, int32_t) { }
 
 void TapePage::releaseActors(Tape&) { }
 
+bool TapePage::putActorOnScene(Tape&, const KString&) { return false; }
+
+void TapePage::removeActorFromScene(Tape&, const KString&) { }
+
+bool TapePage::isActorOnScene(Tape&, const KString&) { return false; }
+
+void TapePage::drawFrame() { }
+
 KGraphicRectangle TapePage::getPageBounds()
 {
     KGraphicSize size = getPageSize();

@@ -44,5 +44,17 @@ public:
     // The tape lets go of this page: its actors leave the scene.
     virtual void releaseActors(Tape& tape);
 
+    // The tape's actor of that name, one at a time: showing it and putting
+    // it in the actors' layer (false when there is no such actor or no
+    // scene); stopping its timer, hiding it and taking it out of the layer;
+    // whether it is in the layer and visible. A page without a scene has no
+    // actors on it.
+    virtual bool putActorOnScene(Tape& tape, const KString& name);
+    virtual void removeActorFromScene(Tape& tape, const KString& name);
+    virtual bool isActorOnScene(Tape& tape, const KString& name);
+    // Brings what changed since the last frame to the screen at once, as
+    // the scene's next frame would.
+    virtual void drawFrame();
+
     KGraphicRectangle getPageBounds();
 };

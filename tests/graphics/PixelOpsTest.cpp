@@ -1,4 +1,10 @@
+#include "GraphicsTestSupport.h"
+
+#include "graphics/KAlphaImage.h"
 #include "graphics/KBoxFilter.h"
+#include "graphics/KColor.h"
+#include "graphics/KGraphicRegion.h"
+#include "graphics/KMaskedFrame.h"
 #include "graphics/KPixelOps.h"
 
 #include <gtest/gtest.h>
@@ -122,4 +128,210 @@ TEST(PixelOps, BoxFilterWeighsByArea)
     EXPECT_EQ(to, KWideRectangle(4, 0, 4, 2));
     KWideRectangle away(5, 5, 2, 2), target(0, 0, 4, 4);
     EXPECT_FALSE(KBoxFilter::clipToSource({ 0, 0, 3, 1 }, away, target));
+}
+
+// The vector loops of the bitwise operations against the plain formulas,
+// for every width up to two vectors and a tail.
+TEST(PixelOps, BitwiseRowsMatchTheFormulasAtEveryWidth)
+{
+    std::mt19937 random(11);
+    for (int32_t width = 0; width <= 19; ++width) {
+        Buffer destination(width + 2, 1), source(width + 2, 1), keep(width + 2, 1), put(width + 2, 1);
+        for (int32_t i = 0; i < width + 2; ++i) {
+            destination.pixels[size_t(i)] = random();
+            source.pixels[size_t(i)] = random();
+            keep.pixels[size_t(i)] = random();
+            put.pixels[size_t(i)] = random();
+        }
+        const std::vector<uint32_t> original = destination.pixels;
+        // One pixel in from each side: the neighbours must stay as they were.
+        KPixelOps::Area area { 1, 0, 1, 0, width, 1 };
+        auto check = [&](const char* what, auto&& expected) {
+            for (int32_t i = 0; i < width + 2; ++i) {
+                size_t k = size_t(i);
+                uint32_t want = i >= 1 && i <= width ? expected(original[k], k) : original[k];
+                ASSERT_EQ(destination.pixels[k], want) << what << " width " << width << " pixel " << i;
+            }
+            destination.pixels = original;
+        };
+        KPixelOps::apply(destination.view, source.view, area, KPixelOps::RasterOp::MergePaint);
+        check("merge paint", [&](uint32_t d, size_t k) { return (d | ~source.pixels[k]) & 0xFFFFFFu; });
+        KPixelOps::apply(destination.view, source.view, area, KPixelOps::RasterOp::And);
+        check("and", [&](uint32_t d, size_t k) { return d & source.pixels[k] & 0xFFFFFFu; });
+        KPixelOps::keepAndPutRow(destination.pixels.data() + 1, keep.pixels.data() + 1, put.pixels.data() + 1, width);
+        check("keep and put", [&](uint32_t d, size_t k) { return ((d & keep.pixels[k]) | put.pixels[k]) & 0xFFFFFFu; });
+    }
+}
+
+namespace {
+
+// What the pair of raster operations of a masked draw gives, pixel by pixel.
+uint32_t referenceMasked(uint32_t target, uint32_t image, uint32_t mask)
+{
+    return (target | ~mask) & image & 0xFFFFFFu;
+}
+
+// Random rows that mix the three kinds of run: white mask over white image
+// (left alone), black mask (covered), and grey masks or coloured image under
+// a white mask (mixed), in stretches of random length.
+void fillMaskedPicture(Buffer& image, Buffer& mask, std::mt19937& random)
+{
+    size_t i = 0;
+    while (i < image.pixels.size()) {
+        int kind = int(random() % 4);
+        size_t length = 1 + random() % 9;
+        for (; length > 0 && i < image.pixels.size(); --length, ++i) {
+            uint32_t colour = random() | 0xFF000000u;
+            switch (kind) {
+            case 0: image.pixels[i] = 0xFFFFFF; mask.pixels[i] = 0xFFFFFF; break;
+            case 1: image.pixels[i] = colour; mask.pixels[i] = 0; break;
+            case 2: image.pixels[i] = colour; mask.pixels[i] = random() & 0x7F7F7F; break;
+            default: image.pixels[i] = colour; mask.pixels[i] = 0xFFFFFF; break;
+            }
+        }
+    }
+}
+
+} // namespace
+
+// Drawing the prepared runs gives the pixels of the two raster operations,
+// wherever the picture stands (also half off the target) and whatever the
+// clip; nothing outside the clip changes.
+TEST(PixelOps, MaskedFrameRunsDrawAsTheRasterOperations)
+{
+    std::mt19937 random(3);
+    const int32_t width = 23, height = 7;
+    Buffer image(width, height), mask(width, height);
+    fillMaskedPicture(image, mask, random);
+    KMaskedFrame frame;
+    frame.build(image.view, mask.view);
+    ASSERT_EQ(frame.getWidth(), width);
+    ASSERT_EQ(frame.getHeight(), height);
+    // Left-alone pixels make no run, so there are fewer runs than pixels.
+    EXPECT_LT(frame.getRunCount(), width * height);
+
+    Buffer original(30, 12);
+    for (uint32_t& p : original.pixels)
+        p = random();
+    struct Case {
+        int32_t x, y;
+        KWideRectangle clip;
+    };
+    const Case cases[] = {
+        { 3, 2, KWideRectangle(0, 0, 30, 12) },    // wholly inside
+        { -5, -3, KWideRectangle(0, 0, 30, 12) },  // off the top left
+        { 20, 9, KWideRectangle(0, 0, 30, 12) },   // off the bottom right
+        { 2, 1, KWideRectangle(7, 3, 5, 2) },      // a clip inside the picture
+        { 2, 1, KWideRectangle(24, 0, 6, 12) },    // a clip beside it
+        { 0, 0, KWideRectangle(1, 1, 1, 1) },      // a single pixel
+    };
+    for (const Case& c : cases) {
+        Buffer target(30, 12);
+        target.pixels = original.pixels;
+        KWideRectangle drawn = frame.drawInto(target.view, c.x, c.y, c.clip);
+        KWideRectangle expected(c.x, c.y, width, height);
+        expected.intersectWith(c.clip);
+        expected.intersectWith(KWideRectangle(0, 0, 30, 12));
+        EXPECT_EQ(drawn, expected) << c.x << "," << c.y;
+        for (int32_t y = 0; y < 12; ++y) {
+            for (int32_t x = 0; x < 30; ++x) {
+                size_t k = size_t(y) * 30 + size_t(x);
+                uint32_t got = target.pixels[k];
+                if (!expected.contains(x, y)) {
+                    ASSERT_EQ(got, original.pixels[k]) << "outside, at " << x << "," << y;
+                    continue;
+                }
+                size_t f = size_t(y - c.y) * size_t(width) + size_t(x - c.x);
+                ASSERT_EQ(got & 0xFFFFFF, referenceMasked(original.pixels[k], image.pixels[f], mask.pixels[f]))
+                    << "case " << c.x << "," << c.y << " at " << x << "," << y;
+            }
+        }
+    }
+
+    // Without a mask every pixel is covered; a mask of another size makes
+    // an empty frame, which draws nothing.
+    KMaskedFrame opaque;
+    opaque.buildOpaque(image.view);
+    Buffer target(width, height);
+    EXPECT_EQ(opaque.drawInto(target.view, 0, 0, KWideRectangle(0, 0, width, height)), KWideRectangle(0, 0, width, height));
+    for (size_t k = 0; k < target.pixels.size(); ++k)
+        ASSERT_EQ(target.pixels[k], image.pixels[k] & 0xFFFFFF);
+    Buffer smallMask(width - 1, height);
+    KMaskedFrame mismatched;
+    mismatched.build(image.view, smallMask.view);
+    EXPECT_EQ(mismatched.getWidth(), 0);
+    EXPECT_TRUE(mismatched.drawInto(target.view, 0, 0, KWideRectangle(0, 0, width, height)).isEmpty());
+}
+
+namespace {
+
+KAlphaImagePtr noisyMaskedImage(int16_t width, int16_t height, uint32_t seed)
+{
+    std::mt19937 random(seed);
+    Buffer image(width, height), mask(width, height);
+    fillMaskedPicture(image, mask, random);
+    KAlphaImagePtr picture(new KAlphaImage(KGraphicSize(width, height)));
+    KImagePtr maskImage = gfx::makeImage(width, height);
+    for (int32_t y = 0; y < height; ++y) {
+        for (int32_t x = 0; x < width; ++x) {
+            gfx::setPixel(*picture, x, y, image.pixels[size_t(y * width + x)] & 0xFFFFFF);
+            gfx::setPixel(*maskImage, x, y, mask.pixels[size_t(y * width + x)]);
+        }
+    }
+    picture->setMask(*maskImage);
+    return picture;
+}
+
+} // namespace
+
+// On a device, the prepared runs give what the image's own masked drawing
+// gives, under a clip of two rectangles too, and they follow changes of the
+// image and the mask.
+TEST_F(GraphicsTest, PreparedMaskedFramesDrawAsTheImageDoes)
+{
+    KAlphaImagePtr picture = noisyMaskedImage(13, 9, 21);
+    KMaskedFrame frame;
+    ASSERT_TRUE(frame.prepare(*picture));
+
+    auto compare = [&](const KGraphicPoint& at, const char* what) {
+        KImagePtr byImage = gfx::makeImage(24, 16), byRuns = gfx::makeImage(24, 16);
+        gfx::fillNoise(*byImage, 8);
+        gfx::fillNoise(*byRuns, 8);
+        KGraphicRegion clip;
+        clip.uniteWith(KWideRectangle(0, 0, 9, 16));
+        clip.uniteWith(KWideRectangle(12, 4, 12, 5));
+        byImage->getDevice().setClip(clip);
+        byRuns->getDevice().setClip(clip);
+        picture->drawAt(byImage->getDevice(), at);
+        uint32_t changes = byRuns->getDevice().getChangeCount();
+        ASSERT_TRUE(frame.drawTo(byRuns->getDevice(), at));
+        EXPECT_NE(byRuns->getDevice().getChangeCount(), changes) << what;
+        EXPECT_EQ(gfx::pixels(*byRuns), gfx::pixels(*byImage)) << what;
+    };
+    compare(KGraphicPoint(5, 3), "across both clip rectangles");
+    compare(KGraphicPoint(-4, 10), "off the bottom left");
+
+    // Painting on the image or the mask makes the runs stale.
+    picture->getDevice().fillRectangle(KGraphicRectangle(0, 0, 13, 2), KColor(KColor::Red));
+    ASSERT_TRUE(frame.prepare(*picture));
+    compare(KGraphicPoint(5, 3), "after the image changed");
+    picture->getMask()->getDevice().fillRectangle(KGraphicRectangle(0, 0, 6, 9), KColor(KColor::Black));
+    ASSERT_TRUE(frame.prepare(*picture));
+    compare(KGraphicPoint(5, 3), "after the mask changed");
+    // So does another image altogether.
+    KAlphaImagePtr other = noisyMaskedImage(13, 9, 22);
+    ASSERT_TRUE(frame.prepare(*other));
+    picture = other;
+    compare(KGraphicPoint(1, 1), "another image");
+
+    // Blending modes and masks of another size are not for the runs; an
+    // image without a mask covers all.
+    picture->setBlendMode(KAlphaImage::Constant);
+    EXPECT_FALSE(frame.prepare(*picture));
+    picture->setBlendMode(KAlphaImage::Masked);
+    picture->setMask(*gfx::makeImage(6, 9));
+    EXPECT_FALSE(frame.prepare(*picture));
+    picture->clearMask();
+    ASSERT_TRUE(frame.prepare(*picture));
+    compare(KGraphicPoint(2, 2), "no mask");
 }

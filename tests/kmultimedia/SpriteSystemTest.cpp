@@ -2,6 +2,8 @@
 
 #include "kernel/KError.h"
 
+#include <vector>
+
 namespace {
 
 TEST_F(SpriteTest, BoundsFollowPositionOriginScaleAndFrame)
@@ -348,6 +350,196 @@ TEST_F(SpriteTest, TheFrameTimerComposesTheStateOfThePreviousStep)
     sprites->resume();
     after(21);
     EXPECT_EQ(screenAt(31, 11), red);
+}
+
+// A sprite that draws more than its frame, as the edit frame does: the
+// system must leave it its own way of drawing.
+class OutlinedSprite : public KSprite {
+public:
+    void draw(KGraphicDevice& device) override
+    {
+        KSprite::draw(device);
+        device.frameRectangle(getBounds(), kYellow);
+    }
+};
+
+KPtr<KAlphaImage> ovalFrame(int w, int h, const KColor& fill)
+{
+    KGraphicRectangle whole(0, 0, int16_t(w), int16_t(h));
+    KPtr<KAlphaImage> frame = solidFrame(w, h, fill);
+    KPtr<KImage> mask = solidImage(w, h, kWhite);
+    KGraphicDevice& pen = mask->getDevice();
+    pen.setForeground(kBlack);
+    pen.fillOval(whole);
+    // A grey ring mixes the picture with what lies below.
+    pen.setForeground(kGrey);
+    pen.frameOval(whole);
+    frame->setMask(*mask);
+    return frame;
+}
+
+// Two systems over the same page and the same frames: one composes every
+// frame whole, the other by its dirty areas. Their screens must agree
+// after every frame.
+struct MirroredScenes {
+    explicit MirroredScenes(int32_t mode, KImage& page)
+    {
+        for (int i = 0; i < 2; ++i) {
+            systems[i] = kAdopt(new KSpriteSystem());
+            screens[i] = solidImage(60, 50, kSentinel);
+            layers[i][0] = kAdopt(new KSpriteLayer());
+            layers[i][1] = kAdopt(new KSpriteLayer());
+            KSpriteSystem& system = *systems[i];
+            system.setUpdateMode(i == 0 ? int32_t(KSpriteSystem::Full) : mode);
+            system.setBufferRect(KGraphicRectangle(0, 0, 40, 30));
+            system.setDestinationRect(KGraphicRectangle(10, 5, 40, 30));
+            system.attachDevice(screens[i]->getDevice());
+            system.setBackground(page);
+            system.addLayer(*layers[i][0]);
+            system.addLayer(*layers[i][1]);
+        }
+    }
+    ~MirroredScenes()
+    {
+        for (KSpriteSystemPtr& system : systems)
+            system->removeAllLayers();
+    }
+    // The same sprite in both systems, the frames shared.
+    void add(int layer, const std::vector<KPtr<KAlphaImage>>& frames, bool outlined, float scale)
+    {
+        for (int i = 0; i < 2; ++i) {
+            KSpritePtr sprite = kAdopt(outlined ? new OutlinedSprite() : new KSprite());
+            for (const KPtr<KAlphaImage>& frame : frames)
+                sprite->addFrame(*frame);
+            sprite->setScale(scale, scale);
+            layers[i][layer]->addSprite(*sprite);
+            sprites[i].push_back(sprite);
+        }
+    }
+    template<class Change>
+    void change(Change&& apply)
+    {
+        for (int i = 0; i < 2; ++i) {
+            for (size_t k = 0; k < sprites[i].size(); ++k)
+                apply(*sprites[i][k], k);
+        }
+    }
+    void frame()
+    {
+        for (KSpriteSystemPtr& system : systems) {
+            system->drawFrame();
+            system->step(0.0f);
+        }
+    }
+    // The first differing pixel, or an empty text.
+    std::string difference()
+    {
+        for (int y = 0; y < 50; ++y) {
+            for (int x = 0; x < 60; ++x) {
+                std::string whole = pixelAt(screens[0]->getDevice(), x, y);
+                std::string areas = pixelAt(screens[1]->getDevice(), x, y);
+                if (whole != areas)
+                    return "at " + std::to_string(x) + "," + std::to_string(y) + ": " + areas + " instead of " + whole;
+            }
+        }
+        return "";
+    }
+
+    KSpriteSystemPtr systems[2];
+    KPtr<KImage> screens[2];
+    KSpriteLayerPtr layers[2][2];
+    std::vector<KSpritePtr> sprites[2];
+};
+
+TEST_F(SpriteTest, IncrementalFramesShowWhatAFullCompositionShows)
+{
+    KPtr<KAlphaImage> redOval = ovalFrame(9, 7, kRed);
+    KPtr<KAlphaImage> blueOval = ovalFrame(9, 7, kBlue);
+    KPtr<KAlphaImage> block = solidFrame(6, 5, kYellow);
+    for (int32_t mode : { int32_t(KSpriteSystem::Incremental), int32_t(KSpriteSystem::Rectangles) }) {
+        MirroredScenes scenes(mode, *page);
+        scenes.add(0, { redOval, blueOval }, false, 1.0f);
+        scenes.add(0, { block }, false, 1.0f);
+        scenes.add(1, { blueOval, redOval }, false, 1.0f);
+        scenes.add(1, { redOval }, false, 1.5f);   // stretched: drawn the usual way
+        scenes.add(1, { block }, true, 1.0f);      // draws its own way
+        scenes.add(0, { redOval }, false, 1.0f);
+        const float starts[][4] = { { -4, 3, 2, 1 }, { 10, 10, -1, 2 }, { 30, 20, -3, -1 },
+                                    { 20, -3, 1, 2 }, { 5, 22, 3, -2 }, { 36, 1, -2, 3 } };
+        scenes.change([&](KSprite& sprite, size_t k) { sprite.setPosition(starts[k][0], starts[k][1]); });
+        for (KSpriteSystemPtr& system : scenes.systems)
+            system->redrawAll();
+        ASSERT_EQ(scenes.difference(), "") << "mode " << mode << " at the start";
+        for (int step = 1; step <= 40; ++step) {
+            scenes.change([&](KSprite& sprite, size_t k) {
+                // Back and forth across the page and over its edges.
+                float phase = float((step / 10) % 2 == 0 ? step % 10 : 10 - step % 10);
+                sprite.setPosition(starts[k][0] + starts[k][2] * phase, starts[k][1] + starts[k][3] * phase);
+                if (step % 7 == 0 && k == 0)
+                    sprite.setFrame(sprite.getFrame() == 0 ? 1 : 0);
+            });
+            if (step == 25) {
+                // A frame repainted in place shows at the next change of
+                // frame, not the picture prepared before.
+                blueOval->getDevice().fillRectangle(KGraphicRectangle(0, 0, 9, 3), kGreen);
+                scenes.change([](KSprite& sprite, size_t) { sprite.setFrame(sprite.getFrame()); });
+            }
+            scenes.frame();
+            ASSERT_EQ(scenes.difference(), "") << "mode " << mode << ", frame " << step;
+        }
+    }
+}
+
+// Areas that overlap are merged where that saves pixels; a sprite that
+// jumped leaves two areas, and one clipped by the page edge its visible
+// part only.
+TEST_F(SpriteTest, DirtyAreasFollowTheMovesAndStayOnThePage)
+{
+    attach(KSpriteSystem::Rectangles);
+    KSpritePtr jumper = solidSprite(2, 2, 4, 4, kRed);
+    KSpritePtr slider = solidSprite(20, 10, 6, 6, kBlue);
+    bottom->addSprite(*jumper);
+    bottom->addSprite(*slider);
+    sprites->redrawAll();
+    frame();
+
+    jumper->setPosition(30.0f, 2.0f);
+    slider->setPosition(21.0f, 10.0f);
+    frame();
+    const std::vector<KGraphicRectangle>& areas = sprites->getDirtyAreas();
+    ASSERT_EQ(areas.size(), 3u);
+    EXPECT_EQ(areas[0], KGraphicRectangle(2, 2, 4, 4));
+    EXPECT_EQ(areas[1], KGraphicRectangle(30, 2, 4, 4));
+    EXPECT_EQ(areas[2], KGraphicRectangle(20, 10, 7, 6));
+
+    // Moved onto each other: one area where the box costs no more.
+    jumper->setPosition(22.0f, 11.0f);
+    frame();
+    ASSERT_EQ(areas.size(), 2u);
+    EXPECT_EQ(areas[0], KGraphicRectangle(30, 2, 4, 4));
+    EXPECT_EQ(areas[1], KGraphicRectangle(21, 10, 6, 6));
+    EXPECT_EQ(screenAt(23, 12), blue);  // the later sprite of the layer is above
+
+    // Half over the edge: the area ends with the page, and the part that
+    // shows is right.
+    slider->setPosition(37.0f, 27.0f);
+    frame();
+    ASSERT_FALSE(areas.empty());
+    for (const KGraphicRectangle& area : areas) {
+        EXPECT_LE(area.getRight(), kPageWidth);
+        EXPECT_LE(int32_t(area.y) + area.height, kPageHeight);
+    }
+    EXPECT_EQ(screenAt(38, 28), blue);
+    EXPECT_EQ(screenAt(40, 28), sentinel);
+    EXPECT_EQ(screenAt(23, 12), red);
+    EXPECT_EQ(screenAt(26, 15), green);
+
+    // A frame repainted in place shows at the next frame change, not the
+    // picture prepared before.
+    jumper->getFrameImage(0)->getDevice().fillRectangle(KGraphicRectangle(0, 0, 4, 4), kYellow);
+    jumper->setFrame(0);
+    frame();
+    EXPECT_EQ(screenAt(23, 12), yellow);
 }
 
 } // namespace

@@ -202,10 +202,19 @@ TEST_F(DumpCommand, UsageErrorsGiveTheUsageAndStatusTwo)
 {
     const std::string usage = "usage: taleloom-tool dump [--sections] FILE\n";
     for (const auto& arguments : std::vector<std::vector<std::string>> {
-             {}, { "dump" }, { "dump", "--sections" }, { "dump", "--json", "x" }, { "dump", "a", "b" }, { "frobnicate" } }) {
+             { "dump" }, { "dump", "--sections" }, { "dump", "--json", "x" }, { "dump", "a", "b" } }) {
         ToolRun run = tool(arguments);
         EXPECT_EQ(run.status, 2);
         EXPECT_EQ(run.err, usage);
+        EXPECT_EQ(run.out, "");
+    }
+    // Without a known command every command's usage is shown.
+    const std::string all = usage + "usage: taleloom-tool info PROJECT.TPD\n"
+                                    "usage: taleloom-tool render PROJECT.TPD [--position N] -o PAGE.png\n";
+    for (const auto& arguments : std::vector<std::vector<std::string>> { {}, { "frobnicate" } }) {
+        ToolRun run = tool(arguments);
+        EXPECT_EQ(run.status, 2);
+        EXPECT_EQ(run.err, all);
         EXPECT_EQ(run.out, "");
     }
 }

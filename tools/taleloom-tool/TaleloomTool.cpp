@@ -1,8 +1,11 @@
 #include "tools/taleloom-tool/TaleloomTool.h"
 
+#include "app/AppClasses.h"
 #include "kernel/KErrorHandler.h"
 #include "kernel/KKernelClasses.h"
 #include "tools/taleloom-tool/DumpCommand.h"
+#include "tools/taleloom-tool/InfoCommand.h"
+#include "tools/taleloom-tool/RenderCommand.h"
 #include "tools/taleloom-tool/ToolCommand.h"
 
 #include <iterator>
@@ -13,6 +16,8 @@ namespace {
 // The commands, in the order the usage lists them.
 const ToolCommand kCommands[] = {
     dumpCommand(),
+    infoCommand(),
+    renderCommand(),
 };
 
 // A fatal error inside the tool is a fault of the tool, and must not look
@@ -56,4 +61,5 @@ void prepareTaleloomTool()
     KErrorHandler::loadKernelErrors();
     KErrorHandler::setFatalExitCode(kFatalExitStatus);
     kRegisterKernelClasses();
+    registerDocumentClasses();
 }

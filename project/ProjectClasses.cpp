@@ -1,0 +1,13 @@
+#include "project/ProjectClasses.h"
+
+#include "kernel/KClass.h"
+#include "project/StylusProject.h"
+#include "tape/TapeClasses.h"
+
+void registerProjectClasses()
+{
+    registerTapeClasses();
+    if (StylusProject::classRecord && KClass::hasClass("StylusProject"))
+        return;
+    StylusProject::registerClass();
+}

@@ -1,0 +1,136 @@
+#include "tools/taleloom-tool/RenderCommand.h"
+
+#include "app/SceneTapePage.h"
+#include "app/actors/ActorLoading.h"
+#include "graphics/KImage.h"
+#include "kernel/KTextCodec.h"
+#include "project/StylusProject.h"
+#include "tools/taleloom-tool/ToolMessages.h"
+#include "tools/taleloom-tool/ToolProject.h"
+
+#include <algorithm>
+#include <cctype>
+#include <climits>
+#include <ostream>
+
+namespace {
+
+struct RenderRequest {
+    std::string project;
+    std::string output;
+    int32_t position = -1;
+};
+
+// A count of elements: digits only, and small enough for a position.
+bool parsePosition(const std::string& text, int32_t& position)
+{
+    if (text.empty() || text.size() > 10 || !std::all_of(text.begin(), text.end(), [](unsigned char c) {
+            return std::isdigit(c);
+        }))
+        return false;
+    long long value = std::stoll(text);
+    if (value > INT32_MAX)
+        return false;
+    position = int32_t(value);
+    return true;
+}
+
+bool endsWithPng(const std::string& name)
+{
+    if (name.size() < 5)
+        return false;
+    std::string extension = name.substr(name.size() - 4);
+    std::transform(extension.begin(), extension.end(), extension.begin(), [](unsigned char c) {
+        return char(std::tolower(c));
+    });
+    return extension == ".png";
+}
+
+bool parseRequest(const std::vector<std::string>& arguments, RenderRequest& request)
+{
+    bool positionGiven = false;
+    for (size_t i = 0; i < arguments.size(); ++i) {
+        const std::string& argument = arguments[i];
+        bool hasValue = i + 1 < arguments.size();
+        if (argument == "--position" && hasValue && !positionGiven) {
+            positionGiven = true;
+            if (!parsePosition(arguments[++i], request.position))
+                return false;
+        } else if (argument == "-o" && hasValue && request.output.empty()) {
+            request.output = arguments[++i];
+        } else if (request.project.empty() && !argument.empty() && argument[0] != '-') {
+            request.project = argument;
+        } else {
+            return false;
+        }
+    }
+    return !request.project.empty() && endsWithPng(request.output);
+}
+
+// The page the tape draws on for the picture: a scene without a window,
+// with the project's actors ready in the tape. An actor whose file cannot be
+// read is left out, with a warning.
+KPtr<SceneTapePage> makePageFor(Tape& tape, StylusProject& project, const std::string& path,
+                                std::vector<std::string>& warnings)
+{
+    KPtr<SceneTapePage> page(new SceneTapePage(tape.getPageSize()));
+    if (KDirectory* actors = project.getActorsDirectory()) {
+        ToolMessages messages;
+        loadTapeActors(tape, *actors);
+        for (const std::string& line : messages.getLines())
+            warnings.push_back(path + ": " + line);
+    }
+    return page;
+}
+
+// The page at the position, with the actors that stand there over it.
+bool drawPage(StylusProject& project, const std::string& path, int32_t position, KImage& picture,
+              std::vector<std::string>& warnings)
+{
+    Tape& tape = *project.getTape();
+    KPtr<SceneTapePage> page = makePageFor(tape, project, path, warnings);
+    tape.setSpriteSystem(*page);
+    tape.getPageCache().setEnabled(false);
+    tape.setPositionQuietly(position < 0 ? tape.getCount() : std::min(position, tape.getCount()));
+    tape.rebuildPage();
+    page->composeInto(picture);
+    tape.clearSpriteSystem();
+    return picture.hasImage();
+}
+
+int runRender(const std::vector<std::string>& arguments, std::ostream&, std::ostream& err)
+{
+    RenderRequest request;
+    if (!parseRequest(arguments, request))
+        return toolUsageError(renderCommand(), err);
+    std::string reason;
+    std::vector<std::string> warnings;
+    bool done = renderProjectPage(request.project, request.position, request.output, reason, warnings);
+    for (const std::string& warning : warnings)
+        err << "taleloom-tool: warning: " << warning << '\n';
+    if (!done)
+        return toolInputError(reason, err);
+    return kToolSucceeded;
+}
+
+} // namespace
+
+ToolCommand renderCommand() { return { "render", "PROJECT.TPD [--position N] -o PAGE.png", &runRender }; }
+
+bool renderProjectPage(const std::string& path, int32_t position, const std::string& pngPath, std::string& reason,
+                       std::vector<std::string>& warnings)
+{
+    StylusProjectPtr project(new StylusProject());
+    if (!loadToolProject(path, *project, reason, warnings))
+        return false;
+    KImagePtr picture(new KImage());
+    if (!drawPage(*project, path, position, *picture, warnings)) {
+        reason = path + ": the page could not be drawn";
+        return false;
+    }
+    if (!picture->writeToPath(KTextCodec::fromUtf8(pngPath))) {
+        reason = pngPath + ": cannot write the picture";
+        return false;
+    }
+    return true;
+}
