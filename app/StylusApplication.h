@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kernel/KThingPtr.h"
+#include "project/ProjectForward.h"
 #include "windowing/KApplication.h"
 
 class ToolPalette;
@@ -17,10 +18,19 @@ public:
     void doExit() override;
 
     ToolPalette* getToolPalette() const;
+    // The open story; never null after the start.
+    StylusProject* getProject() const;
 
     // Registers the program's own classes after the framework's.
     static void registerClasses();
 
 private:
+    // The document named on the command line, or a new story when there is
+    // none or it cannot be read; shown in the main window, and played at
+    // once with the play option.
+    void openStartingProject();
+    StylusProjectPtr loadProject(const KString& name);
+
     KPtr<ToolPalette> toolPalette;
+    StylusProjectPtr project;
 };

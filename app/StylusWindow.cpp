@@ -1,5 +1,8 @@
 #include "app/StylusWindow.h"
 
+#include "app/SceneTapePage.h"
+#include "app/actors/ActorLoading.h"
+#include "tape/Tape.h"
 #include "graphics/KColor.h"
 #include "graphics/KGraphicSize.h"
 #include "kernel/KClass.h"
@@ -61,6 +64,7 @@ void StylusWindow::finishOpen()
 // as a layer: removing the layer undoes both.
 void StylusWindow::close()
 {
+    releaseTape();
     if (StylusSpriteSystemPtr scene = spriteSystem) {
         spriteSystem.clear();
         scene->pause();
@@ -79,6 +83,35 @@ KGraphicRectangle StylusWindow::getPageRectangle() const
     if (!spriteSystem)
         return KGraphicRectangle();
     return KGraphicRectangle(spriteSystem->getOrigin(), spriteSystem->getPageSize());
+}
+
+void StylusWindow::showTape(Tape& shown, KDirectory* actorsDirectory)
+{
+    if (!spriteSystem)
+        return;
+    releaseTape();
+    tape = shown;
+    if (actorsDirectory)
+        loadTapeActors(shown, *actorsDirectory);
+    if (spriteSystem->getPageSize() != shown.getPageSize() && !shown.getPageSize().isEmpty()) {
+        spriteSystem->setPageSize(shown.getPageSize());
+        placePage();
+    }
+    scenePage = kAdopt(new SceneTapePage(*spriteSystem));
+    shown.setSpriteSystem(*scenePage);
+    shown.rebuildPage();
+}
+
+Tape* StylusWindow::getTape() const { return tape.get(); }
+
+void StylusWindow::releaseTape()
+{
+    if (TapePtr shown = tape) {
+        tape.clear();
+        shown->stopPlaying();
+        shown->clearSpriteSystem();
+    }
+    scenePage.clear();
 }
 
 KGraphicPoint StylusWindow::centredOrigin() const

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "app/AppForward.h"
 #include "graphics/KGraphicPoint.h"
 #include "graphics/KGraphicRectangle.h"
 #include "kmultimedia/KMultimediaForward.h"
+#include "tape/TapeForward.h"
 #include "windowing/KWindow.h"
 
 // The program's main window. It shows the page through the scene's sprite
@@ -38,6 +40,15 @@ public:
     // Where the page stands in the window.
     KGraphicRectangle getPageRectangle() const;
 
+    // Shows the tape on the page: the scene takes the tape's page size,
+    // the actors the tape names come from the folder when one is given, and
+    // the page is built as it stands at the tape's position. A tape shown
+    // before lets go of the page.
+    void showTape(Tape& tape, KDirectory* actorsDirectory);
+    // The tape shown lets go of the page; the page stays as it is.
+    void releaseTape();
+    Tape* getTape() const;
+
     static StylusWindow* current();
 
 private:
@@ -48,6 +59,8 @@ private:
     void fillSurroundings();
 
     StylusSpriteSystemPtr spriteSystem;
+    TapePtr tape;
+    SceneTapePagePtr scenePage;
     // The back buffer no longer holds the surroundings and the page.
     bool layoutStale = true;
 };

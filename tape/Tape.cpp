@@ -513,3 +513,47 @@ bool Tape::getActor(const KString& name, KThingPtr& out) const
 void Tape::releaseActor(const KString& name) { actors.removeKey(name); }
 
 void Tape::clearActors() { actors.clear(); }
+
+KStringBagPtr Tape::getActorsOnStage()
+{
+    KStringBagPtr names(new KStringBag());
+    if (!spriteSystem)
+        return names;
+    for (int32_t i = 0; i < actors.getSize(); ++i) {
+        if (KString* name = actors.getKeyAt(i); name && spriteSystem->isActorOnScene(*this, *name))
+            names->add(*name);
+    }
+    return names;
+}
+
+bool Tape::isActorOnStageAt(const KString& name, int32_t p) const
+{
+    for (int32_t index = std::min(p, getCount()) - 1; index >= 0; --index) {
+        TapeObject* element = getAt(index);
+        if (!element)
+            continue;
+        if (auto* wipe = dynamic_cast<WipeOut*>(element); wipe && wipe->getRemovesActors())
+            return false;
+        if (element->getType() != ActorActionType || !(element->getActorName() == name))
+            continue;
+        if (element->getActorAction() == 1)
+            return true;
+        if (element->getActorAction() == 2)
+            return false;
+    }
+    return false;
+}
+
+KStringBagPtr Tape::actorNamesByStage(int32_t p, bool onStage) const
+{
+    KStringBagPtr names(new KStringBag());
+    for (int32_t i = 0; i < actors.getSize(); ++i) {
+        if (KString* name = actors.getKeyAt(i); name && isActorOnStageAt(*name, p) == onStage)
+            names->add(*name);
+    }
+    return names;
+}
+
+KStringBagPtr Tape::getActorNamesOnStageAt(int32_t p) const { return actorNamesByStage(p, true); }
+
+KStringBagPtr Tape::getActorNamesOffStageAt(int32_t p) const { return actorNamesByStage(p, false); }

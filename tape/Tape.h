@@ -192,6 +192,14 @@ public:
     bool getActor(const KString& name, KThingPtr& out) const;
     void releaseActor(const KString& name);
     void clearActors();
+    // The names of the tape's actors that stand on the page's scene now.
+    KStringBagPtr getActorsOnStage();
+    // Whether the actor stands on the scene at position `p` by the elements
+    // alone: the last entrance or exit before it says, and a page
+    // transition that removes actors ends every stay.
+    bool isActorOnStageAt(const KString& name, int32_t p) const;
+    KStringBagPtr getActorNamesOnStageAt(int32_t p) const;
+    KStringBagPtr getActorNamesOffStageAt(int32_t p) const;
 
     // --- Playing ---------------------------------------------------------------
 
@@ -231,6 +239,7 @@ private:
     void fillBlankPage();
     void loopToStart();
     static int32_t typeOfKind(int16_t kind);
+    KStringBagPtr actorNamesByStage(int32_t p, bool onStage) const;
 
     TapeObjectPtr playingObject;
     KTimerPtr playTimer;

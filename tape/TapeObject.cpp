@@ -215,3 +215,9 @@ KEventReturn TapeObject::handleMouseDragged(KMouseEvent&) { return 0; }
 // An actor motion takes the entry behind the five actions; an action picks
 // its own by its number.
 int32_t TapeObject::getToolEntry() const { return type == ActorMotionType ? type + 5 : type; }
+
+const KString& TapeObject::getActorName() const
+{
+    static const KString none;
+    return none;
+}

@@ -105,6 +105,10 @@ public:
     // elements choose their tool palette entry by their action.
     virtual bool speaks() const { return false; }
     virtual int32_t getToolEntry() const;
+    // The actor an actor element names, and the number of its action
+    // (1 enters, 2 leaves); empty and 0 for other elements.
+    virtual const KString& getActorName() const;
+    virtual int32_t getActorAction() const { return 0; }
 
 protected:
     void copyFrom(const TapeObject& other);

@@ -6,9 +6,12 @@ one in double quotes. This tool pulls the quoted texts out of the notes,
 drops what is plainly not shown to a user (class names, function
 signatures, preference and resource names, file names, type codes), drops
 the texts a reviewer has already rejected (one per line in the exclusion
-file), and writes the rest sorted and without duplicates, one per line.
+file), adds the texts the program shows beyond those of the notes (one per
+line in the addition file), and writes the rest sorted and without
+duplicates, one per line.
 
 Usage: extract-ui-strings.py NOTES.md [--exclude data/locale/excluded.txt]
+                             [--add data/locale/added.txt]
                              [--output data/locale/keys.txt]
 """
 
@@ -80,6 +83,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("notes")
     parser.add_argument("--exclude", default="data/locale/excluded.txt")
+    parser.add_argument("--add", default="data/locale/added.txt")
     parser.add_argument("--output", default="data/locale/keys.txt")
     args = parser.parse_args()
 
@@ -96,6 +100,7 @@ def main():
         if text in excluded:
             continue
         keys.add(text)
+    keys.update(line for line in read_lines(args.add) if line)
 
     with open(args.output, "w", encoding="utf-8") as out:
         for key in sorted(keys):

@@ -371,6 +371,8 @@ void kksResetTranslator()
     state().windowOrderMode = orderMode;
 }
 
+bool kksMouseButtonDown() { return state().leftDown || state().rightDown; }
+
 void kksSetWindowOrderMode(bool on) { state().windowOrderMode = on; }
 
 bool kksWindowOrderMode() { return state().windowOrderMode; }

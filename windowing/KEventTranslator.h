@@ -20,6 +20,9 @@ int32_t kksMapVirtualKey(int32_t virtualKey);
 // Forgets the buttons held, the activation state and unfinished posted text.
 void kksResetTranslator();
 
+// True between a button's press and its release, as the records told.
+bool kksMouseButtonDown();
+
 // In window-order mode the palettes are kept in front of the main window
 // and position changes reach the framework.
 void kksSetWindowOrderMode(bool on);

@@ -63,10 +63,11 @@ public:
 
     void setAction(int32_t value);
     int32_t getAction() const { return action; }
+    int32_t getActorAction() const override { return action; }
     void setSpeed(int32_t value);
     int32_t getSpeed() const { return speed; }
     void setActorName(const KString& value);
-    const KString& getActorName() const { return actorName; }
+    const KString& getActorName() const override { return actorName; }
     void setMovementName(const KString& value);
     const KString& getMovementName() const { return movementName; }
     void setOrderChange(int32_t value);

@@ -52,7 +52,7 @@ public:
     bool usesMediaNamed(const KString& name) override;
 
     void setActorName(const KString& value);
-    const KString& getActorName() const { return actorName; }
+    const KString& getActorName() const override { return actorName; }
     void addPoint(int16_t x, int16_t y);
     int32_t getPointCount() const { return path.getSize() / 2; }
     KGraphicPoint getPoint(int32_t index) const;

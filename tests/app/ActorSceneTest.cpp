@@ -196,6 +196,18 @@ TEST_F(ActorSceneTest, RebuildResetsActorsBehindAnExitAndKeepsCurrentMovements)
     tape->goToPosition(1);
     EXPECT_TRUE(onScene("Bob"));
     EXPECT_EQ(composedAt(25, 25), kWalkRed);
+    EXPECT_EQ(tape->getActorsOnStage()->getSize(), 1);
+
+    // What the elements alone say of each position.
+    EXPECT_FALSE(tape->isActorOnStageAt("Bob", 0));
+    EXPECT_TRUE(tape->isActorOnStageAt("Bob", 1));
+    EXPECT_FALSE(tape->isActorOnStageAt("Bob", 2));
+    tape->goToPosition(2);
+    add(*makeEnter("Bob", "Walk", 20, 20));
+    EXPECT_TRUE(tape->isActorOnStageAt("Bob", 3));
+    EXPECT_FALSE(tape->isActorOnStageAt("Bob", 4)) << "a transition that removes actors ends the stay";
+    EXPECT_EQ(tape->getActorNamesOnStageAt(3)->getSize(), 1);
+    EXPECT_EQ(tape->getActorNamesOffStageAt(4)->getSize(), 1);
 }
 
 TEST_F(ActorSceneTest, EnterWithAMissingMovementPlacesTheActorOffTheScene)
