@@ -1,6 +1,7 @@
 #include "app/StylusApplication.h"
 
 #include "app/AppClasses.h"
+#include "app/StylusTapeHost.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
 #include "kernel/KClass.h"
@@ -34,6 +35,7 @@ void StylusApplication::registerClasses()
 
 void StylusApplication::doInit()
 {
+    TapeHost::install(&StylusTapeHost::instance());
     if (KWindow* window = getMainWindow())
         window->show(true);
     toolPalette = new ToolPalette();
@@ -78,6 +80,7 @@ void StylusApplication::doExit()
 {
     if (auto* window = dynamic_cast<StylusWindow*>(getMainWindow()))
         window->releaseTape();
+    TapeHost::install(nullptr);
     if (toolPalette) {
         toolPalette->close();
         toolPalette.clear();

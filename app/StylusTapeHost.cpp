@@ -1,0 +1,344 @@
+#include "app/StylusTapeHost.h"
+
+#include "graphics/KColor.h"
+#include "kernel/KDirectory.h"
+#include "kernel/KFileReference.h"
+#include "kernel/KPath.h"
+#include "kernel/KStringBuilder.h"
+#include "kernel/KVariable.h"
+#include "kmultimedia/KAbstractMedia.h"
+#include "kmultimedia/KMediaManager.h"
+#include "kmultimedia/KMovieSupport.h"
+#include "windowing/KAlert.h"
+#include "windowing/KApplication.h"
+#include "windowing/KCursorManager.h"
+#include "windowing/KDialogHandler.h"
+#include "windowing/KEventTranslator.h"
+#include "windowing/KNativeLayer.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace {
+
+// The new-document size when the preferences name none.
+constexpr int32_t kDefaultPageWidth = 640;
+constexpr int32_t kDefaultPageHeight = 480;
+// "HighlightElements" is on unless the user turned it off.
+constexpr bool kDefaultHighlight = true;
+constexpr bool kDefaultAutoEdit = false;
+
+int32_t integerOf(const KVariable& value)
+{
+    switch (value.getType()) {
+    case KVariable::CharType:
+        return value.getChar();
+    case KVariable::BoolType:
+        return value.getBool() ? 1 : 0;
+    case KVariable::ShortType:
+        return value.getShort();
+    case KVariable::LongType:
+        return value.getLong();
+    case KVariable::FloatType:
+        return static_cast<int32_t>(value.getFloat());
+    case KVariable::DoubleType:
+        return static_cast<int32_t>(value.getDouble());
+    case KVariable::UnsignedCharType:
+        return static_cast<unsigned char>(value.getChar());
+    case KVariable::UnsignedShortType:
+        return static_cast<uint16_t>(value.getShort());
+    case KVariable::UnsignedLongType:
+        return value.getLong();
+    default:
+        return 0;
+    }
+}
+
+bool isIntegerKind(int32_t type)
+{
+    return type != KVariable::StringType && type != KVariable::ObjectType;
+}
+
+// A stored side of the page, or the default for a missing, zero or
+// unusable one. Pages are 16-bit.
+int16_t pageSide(int32_t stored, int32_t fallback)
+{
+    if (stored <= 0 || stored > std::numeric_limits<int16_t>::max())
+        return static_cast<int16_t>(fallback);
+    return static_cast<int16_t>(stored);
+}
+
+KString textOf(const std::string& text) { return KString(text.c_str()); }
+
+} // namespace
+
+// Shows the host's notice on the loop's idle pass, then leaves the list.
+class StylusTapeHost::NoticeIdler : public KThing {
+public:
+    explicit NoticeIdler(StylusTapeHost& owner)
+        : host(&owner)
+    {
+    }
+    void forget() { host = nullptr; }
+    void idle() override
+    {
+        if (host)
+            host->flushNotices();
+    }
+
+private:
+    StylusTapeHost* host;
+};
+
+StylusTapeHost::StylusTapeHost() = default;
+
+StylusTapeHost::~StylusTapeHost()
+{
+    cancelScheduledNotice();
+    while (busyDepth > 0)
+        endBusyCursor();
+}
+
+StylusTapeHost& StylusTapeHost::instance()
+{
+    static StylusTapeHost host;
+    return host;
+}
+
+// --- Preferences --------------------------------------------------------------
+
+const KPreferences& StylusTapeHost::preferences()
+{
+    if (!cachedPreferences) {
+        cachedPreferences = std::make_unique<KPreferences>();
+        cachedPreferences->load(kPreferenceGroup);
+    }
+    return *cachedPreferences;
+}
+
+void StylusTapeHost::setPreferences(const KPreferences& values) { cachedPreferences = std::make_unique<KPreferences>(values); }
+
+void StylusTapeHost::reloadPreferences() { cachedPreferences.reset(); }
+
+bool StylusTapeHost::readFlag(const char* key, bool fallback) { return readInteger(key, fallback ? 1 : 0) != 0; }
+
+int32_t StylusTapeHost::readInteger(const char* key, int32_t fallback)
+{
+    KVariable* value = preferences().getVariable(KString(key));
+    if (!value || !isIntegerKind(value->getType()))
+        return fallback;
+    return integerOf(*value);
+}
+
+bool StylusTapeHost::autoEditCurrentElement() { return readFlag("AutoEdit", kDefaultAutoEdit); }
+
+bool StylusTapeHost::highlightCurrentElement() { return readFlag("HighlightElements", kDefaultHighlight); }
+
+KGraphicSize StylusTapeHost::newDocumentPageSize()
+{
+    return KGraphicSize(pageSide(readInteger("NewDocW", 0), kDefaultPageWidth),
+                        pageSide(readInteger("NewDocH", 0), kDefaultPageHeight));
+}
+
+int32_t StylusTapeHost::screenHeight()
+{
+    KNativeLayer* layer = KNativeLayer::current();
+    if (!layer)
+        return kFallbackScreenHeight;
+    int32_t width = 0;
+    int32_t height = 0;
+    layer->screenSize(width, height);
+    return height > 0 ? height : kFallbackScreenHeight;
+}
+
+// --- The user ---------------------------------------------------------------
+
+void StylusTapeHost::beep() { ::beep(); }
+
+void StylusTapeHost::alert(const KString& title, const KString& text)
+{
+    if (KNativeLayer::current())
+        ::alert(title, text);
+    else
+        TapeHost::alert(title, text);
+}
+
+bool StylusTapeHost::chooseColour(KColor& colour)
+{
+    KDialogHandler* dialogs = KDialogHandler::current();
+    return dialogs && KNativeLayer::current() && dialogs->doColorDialog(colour);
+}
+
+void StylusTapeHost::openElementDialog(Tape&, TapeObject&) { beep(); }
+
+void StylusTapeHost::editBookmark(Tape&, TapeObject&) { beep(); }
+
+// The chooser starts in `directory`; any file may be taken, since a media
+// file may have come back under another extension. Nobody to ask counts as
+// giving up, so that a search stops instead of asking for every element.
+bool StylusTapeHost::findMissingFile(KFileReference& file, KDirectory& directory, KDirectory*)
+{
+    KDialogHandler* dialogs = KDialogHandler::current();
+    if (!dialogs || !KNativeLayer::current())
+        return true;
+    KString name = file.getObjectName();
+    KFileReference asked(directory.getPath().getChildFile(name));
+    KString title = tapeTranslate("Look for missing file");
+    if (!name.isEmpty())
+        title = title + ": " + name;
+    if (!dialogs->doOpenDialog(asked, title, KFileTypeID(0)))
+        return true;
+    file = asked;
+    return false;
+}
+
+// A file already in `to`, or whose copy is already there, is not copied
+// again; either way the reference ends up naming the file in `to`.
+void StylusTapeHost::collectMediaFile(KFileReference& file, KDirectory&, KDirectory& to)
+{
+    if (file.getPath().isEmpty() || to.getPath().isEmpty())
+        return;
+    KFileReference target(to.getPath().getChildFile(file.getObjectName()));
+    if (target.getPath() == file.getPath())
+        return;
+    if (!target.doesExist()) {
+        if (!file.doesExist() || !file.copy(to) || !target.doesExist())
+            return;
+    }
+    file = target;
+}
+
+// --- Refused media names ---------------------------------------------------------
+
+void StylusTapeHost::refuseMediaName(const KString& name)
+{
+    std::string text = name.c_str();
+    if (std::find(refusedNames.begin(), refusedNames.end(), text) == refusedNames.end())
+        refusedNames.push_back(text);
+    scheduleNotice();
+}
+
+void StylusTapeHost::scheduleNotice()
+{
+    KApplication* application = KApplication::current();
+    if (!application)
+        return;
+    if (!noticeIdler)
+        noticeIdler = new NoticeIdler(*this);
+    application->addIdler(*noticeIdler.get());
+}
+
+void StylusTapeHost::cancelScheduledNotice()
+{
+    if (!noticeIdler)
+        return;
+    if (KApplication* application = KApplication::current())
+        application->removeIdler(*noticeIdler.get());
+    static_cast<NoticeIdler*>(noticeIdler.get())->forget();
+    noticeIdler.clear();
+}
+
+KString StylusTapeHost::noticeText() const
+{
+    KStringBuilder text;
+    text.append(tapeTranslate("Some media names pointed outside the project folder and were ignored:"));
+    int32_t count = static_cast<int32_t>(refusedNames.size());
+    int32_t listed = std::min(count, kMaximumListedNames);
+    for (int32_t i = 0; i < listed; ++i) {
+        text.append("\n");
+        text.append(textOf(refusedNames[size_t(i)]));
+    }
+    if (count > listed) {
+        text.append("\n");
+        text.append(tapeTranslate("Not listed:"));
+        text.append(' ');
+        text.appendLong(count - listed);
+    }
+    return text.toString();
+}
+
+// The list is taken before the box opens: the box runs a loop of its own,
+// whose idle passes must not show it a second time.
+void StylusTapeHost::flushNotices()
+{
+    if (noticeIdler) {
+        if (KApplication* application = KApplication::current())
+            application->removeIdler(*noticeIdler.get());
+    }
+    if (refusedNames.empty())
+        return;
+    KString text = noticeText();
+    refusedNames.clear();
+    alert(tapeTranslate("Load Project"), text);
+}
+
+// --- Engines, mouse, movie ------------------------------------------------------
+
+bool StylusTapeHost::hasSpeechEngine() { return true; }
+
+bool StylusTapeHost::hasMovieEngine() { return KMovieSupport::availableEngines() != 0; }
+
+void StylusTapeHost::checkSpeechEngine()
+{
+    if (speechWarningGiven || hasSpeechEngine())
+        return;
+    speechWarningGiven = true;
+    alert(tapeTranslate("TaleLoom"), tapeTranslate("No Speech Synthesis is installed!"));
+}
+
+void StylusTapeHost::checkMovieEngine()
+{
+    if (movieWarningGiven || hasMovieEngine())
+        return;
+    movieWarningGiven = true;
+    alert(tapeTranslate("TaleLoom"), tapeTranslate("No Movie Player is installed!"));
+}
+
+bool StylusTapeHost::isMouseButtonDown() { return kksMouseButtonDown(); }
+
+void StylusTapeHost::showingMovie(bool on) { movieShown = on; }
+
+// --- Cursor and media ---------------------------------------------------------------
+
+void StylusTapeHost::beginBusyCursor()
+{
+    if (busyDepth++ > 0)
+        return;
+    busyCursorManager = KCursorManager::current();
+    if (busyCursorManager)
+        busyCursorManager->beginWait();
+}
+
+void StylusTapeHost::endBusyCursor()
+{
+    if (busyDepth == 0 || --busyDepth > 0)
+        return;
+    if (busyCursorManager)
+        busyCursorManager->endWait();
+    busyCursorManager.clear();
+}
+
+// Only what plays is paused: a paused medium stays so, a loaded one stays
+// ready.
+void StylusTapeHost::pauseAllMedia()
+{
+    KMediaManager* manager = KMediaManager::current();
+    if (!manager)
+        return;
+    std::vector<KAbstractMedia*> playing;
+    for (int32_t i = 0; i < manager->mediaCount(); ++i) {
+        KAbstractMedia* media = manager->getMediaAt(i);
+        if (media && media->isPlaying())
+            playing.push_back(media);
+    }
+    for (KAbstractMedia* media : playing) {
+        if (manager->hasMedia(*media))
+            media->pause();
+    }
+}
+
+void StylusTapeHost::stopAllMedia()
+{
+    if (KMediaManager* manager = KMediaManager::current())
+        manager->stopAllMedia();
+}
