@@ -1,17 +1,81 @@
 #include "app/StylusApplication.h"
 
 #include "app/AppClasses.h"
+#include "app/NewProjectDialog.h"
+#include "app/ProjectFiles.h"
+#include "app/RecoveryCopy.h"
+#include "app/StartupDialog.h"
+#include "app/StateFile.h"
+#include "app/StylusActions.h"
 #include "app/StylusTapeHost.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
+#include "app/UiText.h"
 #include "kernel/KClass.h"
+#include "kernel/KErrorHandler.h"
 #include "kernel/KFileReference.h"
+#include "kernel/KFileSystem.h"
+#include "kernel/KFileTypeHandler.h"
+#include "kernel/KLocalizerData.h"
 #include "kernel/KPath.h"
+#include "kernel/KPreferences.h"
+#include "kernel/KTextCodec.h"
+#include "kmultimedia/KMediaManager.h"
 #include "project/StylusProject.h"
 #include "tape/Tape.h"
+#include "windowing/KAlert.h"
+#include "windowing/KApplicationEvent.h"
+#include "windowing/KCursorManager.h"
+#include "windowing/KEvent.h"
+#include "windowing/KMenuEvent.h"
+#include "windowing/KNativeLayer.h"
 #include "windowing/KWindow.h"
 
+#include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#ifndef TALELOOM_VERSION_TEXT
+#define TALELOOM_VERSION_TEXT "0.0.0"
+#endif
+
+namespace {
+
+// Help's maintenance command: writes the localizer's data base.
+constexpr int32_t kWriteLocalizerCommand = 501;
+
+KString absolutePath(const KString& name)
+{
+    std::error_code failure;
+    std::filesystem::path whole = std::filesystem::absolute(KTextCodec::toUtf8(name), failure);
+    if (failure)
+        return name;
+    return KTextCodec::fromUtf8(whole.lexically_normal().string());
+}
+
+bool hasExtension(const KString& path, const char* extension)
+{
+    std::string text = KTextCodec::toUtf8(path);
+    std::string wanted = std::string(".") + extension;
+    if (text.size() < wanted.size())
+        return false;
+    std::string tail = text.substr(text.size() - wanted.size());
+    for (char& c : tail)
+        c = char(std::toupper(static_cast<unsigned char>(c)));
+    return tail == wanted;
+}
+
+// Three numbers of the project's version text "MAJOR.MINOR.RELEASE".
+void setVersionFrom(KApplication& application, const char* text)
+{
+    int major = 0, minor = 0, release = 0;
+    std::sscanf(text, "%d.%d.%d", &major, &minor, &release);
+    application.setVersion(int16_t(major), int16_t(minor), int16_t(release));
+}
+
+} // namespace
 
 K_DEFINE_CLASS(StylusApplication, KApplication)
 
@@ -19,9 +83,15 @@ StylusApplication::StylusApplication()
 {
     registerClasses();
     setName("TaleLoom");
+    setVersionFrom(*this, TALELOOM_VERSION_TEXT);
+    preferenceStore = std::make_unique<MainPreferencesStore>();
+    recovery = std::make_unique<RecoveryCopy>();
+    stateFile = std::make_unique<StateFile>();
 }
 
 StylusApplication::~StylusApplication() = default;
+
+StylusApplication* StylusApplication::current() { return dynamic_cast<StylusApplication*>(KApplication::current()); }
 
 void StylusApplication::registerClasses()
 {
@@ -31,62 +101,404 @@ void StylusApplication::registerClasses()
     StylusApplication::registerClass();
     StylusWindow::registerClass();
     ToolPalette::registerClass();
+    StylusActions::registerClass();
+    StartupDialog::registerClass();
+    NewProjectDialog::registerClass();
 }
+
+// --- Start --------------------------------------------------------------------
 
 void StylusApplication::doInit()
 {
+    uint32_t startedAt = KNativeLayer::get().now();
     TapeHost::install(&StylusTapeHost::instance());
-    if (KWindow* window = getMainWindow())
+    readPreferences();
+    applyLanguage();
+    setSplashText(uiText("Loading...") + " " + uiText("TaleLoom v%1", getVersionText()));
+    settleDocumentFolder();
+    registerFileTypes();
+    startMediaManager();
+    actions = kAdopt(new StylusActions());
+    toolPalette = kAdopt(new ToolPalette());
+    readCommandLine();
+    showUntitled();
+    StylusWindow* window = StylusWindow::current();
+    // A page as tall as the screen only fits without the window's frame.
+    int32_t screenWidth = 0;
+    int32_t screenHeight = 0;
+    KNativeLayer::get().screenSize(screenWidth, screenHeight);
+    if (screenMode != ScreenMode::Window
+        || (window && window->getTape() && window->getTape()->getPageSize().height == screenHeight))
+        setFullScreen(true);
+    waitForSplash(startedAt);
+    closeSplash();
+    if (window) {
         window->show(true);
-    toolPalette = new ToolPalette();
-    toolPalette->open(KWindow::Normal);
-    openStartingProject();
+        window->finishOpen();
+    }
+    toolPalette->open(KWindow::OpenMode::Normal);
+    if (KCursorManager* cursors = KCursorManager::current())
+        cursors->setCursor(KCursorShape::Normal);
+    recovery->start(*this);
+    stateFile->install(*this);
+    if (!documentGiven)
+        scheduleStartupDialog();
 }
 
-StylusProjectPtr StylusApplication::loadProject(const KString& name)
+void StylusApplication::readPreferences()
 {
-    // The program names places by absolute paths; a name given relative to
-    // the folder it was started in is made whole first.
-    std::error_code failure;
-    std::filesystem::path whole = std::filesystem::absolute(std::string(name.c_str()), failure);
-    if (failure)
-        return StylusProjectPtr();
-    KFileReference file(KPath(KString(whole.lexically_normal().c_str()), KPath::kHostPlatform));
-    StylusProjectPtr opened(new StylusProject());
-    if (!opened->load(file))
-        return StylusProjectPtr();
-    return opened;
+    preferences = MainPreferences();
+    preferenceStore->load(preferences);
+    KPreferences forHost;
+    preferences.writeTo(forHost);
+    forHost.setBool("LimitActorSize", preferences.limitActorSize);
+    forHost.setBool("AllowDuplicatedActors", preferences.allowDuplicatedActors);
+    StylusTapeHost::instance().setPreferences(forHost);
+    screenMode = preferences.editingWindowMode;
 }
 
-void StylusApplication::openStartingProject()
+void StylusApplication::writePreferences() { preferenceStore->save(preferences); }
+
+void StylusApplication::applyLanguage()
+{
+    if (KLocalizer* localizer = kBaseLocalizer())
+        localizer->setLanguage(preferences.applicationLanguage);
+}
+
+// The stored folder when it is there; otherwise "TaleLoom Projects" in the
+// user's documents, made when missing. A stored folder on a stick that is
+// not plugged in is passed over for this run, and the setting stays.
+void StylusApplication::settleDocumentFolder()
+{
+    if (!preferences.docFolder.isEmpty()) {
+        KDirectory stored(KPath(preferences.docFolder, KPath::kHostPlatform));
+        if (stored.doesExist()) {
+            documentFolder = stored;
+            return;
+        }
+    }
+    KPath documents = KFileSystem::get().getDocumentsDirectory().getPath();
+    KDirectory projects(documents.getChildFolder(uiText("TaleLoom Projects")));
+    if (!projects.doesExist() && !projects.create()) {
+        std::fprintf(stderr, "TaleLoom: the folder %s could not be created\n",
+                     KTextCodec::toUtf8(projects.getNativeText()).c_str());
+    }
+    documentFolder = projects;
+}
+
+void StylusApplication::registerFileTypes()
+{
+    if (KFileTypeHandler::hasAssociation(KString("TPD")))
+        return;
+    KFileTypeHandler::makeAssociation("TPD", uiText("TaleLoom Document"), "SLXT", "SLOX");
+    KFileTypeHandler::makeAssociation("STT", uiText("TaleLoom Document - Old Version"), "YTAP", "YINP");
+    KFileTypeHandler::makeAssociation("SCP", uiText("TaleLoom Color Palette"), "SLXP", "SLOX");
+    KFileTypeHandler::makeAssociation("ACT", uiText("TaleLoom Actor"), "SLXA", "SLOX");
+}
+
+void StylusApplication::startMediaManager()
+{
+    if (KMediaManager::current())
+        return;
+    mediaManager = kAdopt(new KMediaManager());
+    mediaManager->setUp(7);
+}
+
+// The first file is the document; the switches count only when it exists.
+// The play switches wait for the document to open.
+void StylusApplication::readCommandLine()
 {
     const std::vector<KString>& files = getFileArguments();
-    if (!files.empty())
-        project = loadProject(files.front());
-    if (!project)
-        project = new StylusProject();
-    auto* window = dynamic_cast<StylusWindow*>(getMainWindow());
-    Tape* tape = project->getTape();
-    if (!window || !tape)
+    if (files.empty())
         return;
-    window->showTape(*tape, project->getActorsDirectory());
-    for (const KString& option : getOptionArguments()) {
-        if (option == "S" || option == "s")
-            tape->startPlaying(0);
+    KString path = absolutePath(files.front());
+    if (!std::filesystem::exists(KTextCodec::toUtf8(path))) {
+        alert(uiText("Error while reading file"), uiText("The file \"%1\" was not found.", path));
+        return;
     }
+    auto* event = new KApplicationEvent(KApplicationEvent::OpenDocument);
+    event->setFilePath(path);
+    for (const KString& option : getOptionArguments()) {
+        std::string letter = option.c_str();
+        char c = letter.empty() ? '\0' : char(std::toupper(static_cast<unsigned char>(letter[0])));
+        switch (c) {
+        case 'P':
+            event->setType(KApplicationEvent::PrintDocument);
+            break;
+        case 'S':
+            playOnOpen = true;
+            break;
+        case 'B':
+            screenMode = ScreenMode::FullScreen;
+            break;
+        case 'F':
+            screenMode = ScreenMode::FullScreenResolution;
+            break;
+        case 'W':
+            screenMode = ScreenMode::Window;
+            break;
+        case 'Q':
+            quitAfterPlay = true;
+            break;
+        default:
+            break;
+        }
+    }
+    post(event);
+    documentGiven = true;
+}
+
+void StylusApplication::showUntitled()
+{
+    StylusProjectPtr untitled(new StylusProject());
+    if (Tape* tape = untitled->getTape()) {
+        tape->setPageSize(newDocumentPageSize());
+        tape->clearModified();
+    }
+    actions->installProject(*untitled);
+    if (StylusWindow* window = StylusWindow::current())
+        windowBounds = window->getClientBounds();
+}
+
+// The loop turns while the splash stays up, so nothing waits busily.
+void StylusApplication::waitForSplash(uint32_t startedAt)
+{
+    KNativeLayer& layer = KNativeLayer::get();
+    while (int32_t(layer.now() - startedAt) < kSplashMinimum && hasAppFlags(Active)) {
+        bool keepRunning = true;
+        layer.processNativeMessage(true, keepRunning, 10);
+        if (!keepRunning)
+            break;
+    }
+}
+
+// After the first loop turn, over the window that is up by then.
+void StylusApplication::scheduleStartupDialog()
+{
+    class Opener : public KThing {
+    public:
+        void idle() override
+        {
+            KThingPtr self(this);
+            if (KApplication* application = KApplication::current())
+                application->removeIdler(*this);
+            StylusApplication* application = StylusApplication::current();
+            if (application && application->offerRecovery())
+                return;
+            StartupDialog::run();
+        }
+    };
+    addIdler(*new Opener());
+}
+
+bool StylusApplication::offerRecovery()
+{
+    if (!recovery || !actions)
+        return false;
+    for (const RecoveryCopy::Found& found : recovery->findOffers()) {
+        KString question = found.name.isEmpty() ? uiText("Reopen the unsaved work of an untitled story?")
+                                                : uiText("Reopen the unsaved work of \"%1\"?", found.name);
+        if (askYesNo(uiText("TaleLoom"), question) != 2) {
+            RecoveryCopy::discard(found);
+            continue;
+        }
+        StylusProjectPtr reopened(new StylusProject());
+        if (!RecoveryCopy::reopen(found, *reopened))
+            continue;
+        actions->installProject(*reopened);
+        RecoveryCopy::discard(found);
+        // The reopened work is kept again under its project's name.
+        recovery->update(*reopened);
+        return true;
+    }
+    return false;
+}
+
+KGraphicSize StylusApplication::newDocumentPageSize() const
+{
+    return KGraphicSize(preferences.newDocW, preferences.newDocH);
+}
+
+StylusActions* StylusApplication::getActions() const { return actions.get(); }
+
+ToolPalette* StylusApplication::getToolPalette() const { return toolPalette.get(); }
+
+StylusProject* StylusApplication::getProject() const { return actions ? actions->getProject() : nullptr; }
+
+// --- Events -------------------------------------------------------------------
+
+KEventReturn StylusApplication::doOpenDocument(KApplicationEvent& event)
+{
+    openDocumentFile(event.getFilePath(), false);
+    return 1;
+}
+
+KEventReturn StylusApplication::doPrintDocument(KApplicationEvent& event)
+{
+    openDocumentFile(event.getFilePath(), true);
+    return 1;
+}
+
+bool StylusApplication::openDocumentFile(const KString& path, bool print)
+{
+    StartupDialog::closeOpen();
+    if (!actions)
+        return false;
+    KFileReference file(KPath(absolutePath(path), KPath::kHostPlatform));
+    if (hasExtension(path, "SCP")) {
+        actions->loadColorsFrom(file);
+        return true;
+    }
+    if (StylusProject* project = actions->getProject();
+        project && project->getTape() && project->getTape()->getPlayState() != Tape::PlayState::Stopped)
+        actions->stopPlay();
+    if (actions->saveProjectChanges() == StylusActions::Cancel)
+        return false;
+    if (!actions->openProject(file)) {
+        if (!StylusWindow::current() || !getProject() || !getProject()->hasFile())
+            scheduleStartupDialog();
+        return false;
+    }
+    recovery->projectOpened(file);
+    if (print)
+        actions->doPrint();
+    else if (playOnOpen)
+        actions->play(false, false, quitAfterPlay);
+    return true;
+}
+
+KEventReturn StylusApplication::doQuit(KApplicationEvent&)
+{
+    if (!actions)
+        return 2;
+    int32_t answer = actions->doQuit();
+    return answer;
+}
+
+KEventReturn StylusApplication::doDeactivate(KApplicationEvent&)
+{
+    if (StylusWindow* window = StylusWindow::current()) {
+        window->endOpenDrags();
+        window->hideBrush();
+    }
+    return 0;
+}
+
+KEventReturn StylusApplication::doHelp(KMenuEvent& event)
+{
+    if (event.getItemId() == kWriteLocalizerCommand) {
+        if (KLocalizer* localizer = kBaseLocalizer()) {
+            KFileReference file(KPath(absolutePath("ST_LOCALIZER_DATABASE.KLF"), KPath::kHostPlatform));
+            localizer->writeDataBaseToFile(file);
+        }
+        return 1;
+    }
+    return 0;
+}
+
+KEventReturn StylusApplication::doAbout(KMenuEvent&)
+{
+    showAboutDialog();
+    return 1;
+}
+
+void StylusApplication::showAboutDialog()
+{
+    alert(uiText("About TaleLoom"), uiText("TaleLoom %1\nBuilt %2", getVersionText(), getBuildDate()));
+}
+
+// --- Screen -------------------------------------------------------------------
+
+void StylusApplication::setFullScreen(bool on)
+{
+    StylusWindow* window = StylusWindow::current();
+    if (!window || fullScreen == on)
+        return;
+    if (on) {
+        windowBounds = window->getClientBounds();
+        KNativeLayer::get().setWindowFullScreen(window->getNativeWindow(), true);
+        int32_t width = 0;
+        int32_t height = 0;
+        KNativeLayer::get().screenSize(width, height);
+        window->setClientBounds(KGraphicRectangle(0, 0, int16_t(width), int16_t(height)));
+    } else {
+        KNativeLayer::get().setWindowFullScreen(window->getNativeWindow(), false);
+        if (!windowBounds.isEmpty())
+            window->setClientBounds(windowBounds);
+    }
+    fullScreen = on;
+    window->setFullScreenShown(on);
+}
+
+// --- Failures -----------------------------------------------------------------
+
+int64_t StylusApplication::availableMemory()
+{
+    std::ifstream info("/proc/meminfo");
+    std::string line;
+    while (std::getline(info, line)) {
+        if (line.rfind("MemAvailable:", 0) != 0)
+            continue;
+        std::istringstream fields(line.substr(13));
+        int64_t kilobytes = -1;
+        fields >> kilobytes;
+        return kilobytes < 0 ? -1 : kilobytes * 1024;
+    }
+    return -1;
+}
+
+bool StylusApplication::checkMemory(int64_t requested)
+{
+    int64_t available = availableMemory();
+    if (available < 0 || available >= requested + kMemoryReserve)
+        return false;
+    alert(uiText("TaleLoom"), uiText("Out of memory! The requested operation could not be performed."));
+    return true;
+}
+
+// The last chance to keep the work: only when there is work to keep.
+int32_t StylusApplication::fatalError(const char* title, const char* text)
+{
+    StylusProject* project = getProject();
+    if (!project || !actions || !actions->hasChanges())
+        return 0;
+    KString caption(title ? title : "");
+    alert(uiText("Fatal Error (%1)", caption), KString(text ? text : ""));
+    if (askYesNo(uiText("TaleLoom"), uiText("Try to save your work to the file 'SAVE.TPD' before quitting the "
+                                            "application?"))
+        == 2) {
+        KPath folder = project->hasFile() ? project->getFile()->getPath().getParent() : documentFolder.getPath();
+        KFileReference rescue(folder.getChildFile("SAVE.TPD"));
+        project->save(rescue);
+    }
+    return 1;
+}
+
+void StylusApplication::writeStateFile()
+{
+    if (stateFile)
+        stateFile->write(*this);
 }
 
 void StylusApplication::doExit()
 {
-    if (auto* window = dynamic_cast<StylusWindow*>(getMainWindow()))
+    writePreferences();
+    if (stateFile)
+        stateFile->write(*this);
+    if (recovery)
+        recovery->finish(actions && actions->hasChanges());
+    if (StylusWindow* window = StylusWindow::current()) {
+        window->stopEditing();
         window->releaseTape();
+    }
     TapeHost::install(nullptr);
     if (toolPalette) {
         toolPalette->close();
         toolPalette.clear();
     }
+    actions.clear();
+    if (mediaManager) {
+        mediaManager->closeMediaSupport();
+        mediaManager.clear();
+    }
 }
-
-ToolPalette* StylusApplication::getToolPalette() const { return toolPalette.get(); }
-
-StylusProject* StylusApplication::getProject() const { return project.get(); }

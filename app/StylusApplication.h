@@ -1,36 +1,116 @@
 #pragma once
 
+#include "app/MainPreferences.h"
+#include "app/StylusModes.h"
+#include "graphics/KGraphicRectangle.h"
+#include "kernel/KDirectory.h"
 #include "kernel/KThingPtr.h"
+#include "kmultimedia/KMultimediaForward.h"
 #include "project/ProjectForward.h"
 #include "windowing/KApplication.h"
 
-class ToolPalette;
+#include <cstdint>
+#include <memory>
 
-// TaleLoom's application object. It owns the main window (through the
-// framework) and the palettes.
+class ToolPalette;
+class StylusActions;
+class StylusWindow;
+class RecoveryCopy;
+class StateFile;
+
+// TaleLoom's application object: the start-up and exit sequences, the
+// preferences, the document folder, the file types, the command line and
+// the program's answers to the framework's events (open a document, print
+// it, quit). The project itself belongs to StylusActions.
 class StylusApplication : public KApplication {
     K_DECLARE_CLASS(StylusApplication)
 public:
+    // The splash stays at least this long.
+    static constexpr int32_t kSplashMinimum = 2000;
+    // Free memory an operation must leave, beyond what it asks for.
+    static constexpr int64_t kMemoryReserve = 262144;
+
     StylusApplication();
     ~StylusApplication() override;
 
-    void doInit() override;
-    void doExit() override;
-
-    ToolPalette* getToolPalette() const;
-    // The open story; never null after the start.
-    StylusProject* getProject() const;
-
+    static StylusApplication* current();
     // Registers the program's own classes after the framework's.
     static void registerClasses();
 
-private:
-    // The document named on the command line, or a new story when there is
-    // none or it cannot be read; shown in the main window, and played at
-    // once with the play option.
-    void openStartingProject();
-    StylusProjectPtr loadProject(const KString& name);
+    void doInit() override;
+    void doExit() override;
+    KEventReturn doOpenDocument(KApplicationEvent& event) override;
+    KEventReturn doPrintDocument(KApplicationEvent& event) override;
+    KEventReturn doQuit(KApplicationEvent& event) override;
+    KEventReturn doDeactivate(KApplicationEvent& event) override;
+    KEventReturn doHelp(KMenuEvent& event) override;
+    KEventReturn doAbout(KMenuEvent& event) override;
+    int32_t fatalError(const char* title, const char* text) override;
 
+    ToolPalette* getToolPalette() const;
+    StylusActions* getActions() const;
+    // The open story; never null after the start.
+    StylusProject* getProject() const;
+
+    // --- Preferences -------------------------------------------------------------
+    const MainPreferences& getPreferences() const { return preferences; }
+    MainPreferences& editPreferences() { return preferences; }
+    void readPreferences();
+    void writePreferences();
+    const KDirectory& getDocumentFolder() const { return documentFolder; }
+    KGraphicSize newDocumentPageSize() const;
+    // The run's screen form: the preference, or a switch of the command line.
+    ScreenMode getScreenMode() const { return screenMode; }
+
+    // --- Screen ------------------------------------------------------------------
+    void setFullScreen(bool fullScreen);
+    bool isFullScreen() const { return fullScreen; }
+
+    // --- Warnings and checks ------------------------------------------------------
+    void showAboutDialog();
+    // True, after an alert, when less than `requested` bytes and the reserve
+    // are free: the caller drops what it was going to do.
+    bool checkMemory(int64_t requested);
+    // The free memory as the system tells it, or -1.
+    static int64_t availableMemory();
+
+    bool isPlayOnOpen() const { return playOnOpen; }
+    bool isQuitAfterPlay() const { return quitAfterPlay; }
+    RecoveryCopy* getRecovery() const { return recovery.get(); }
+    // Offers the unsaved work of an earlier run back, one copy after the
+    // other; true when one was reopened.
+    bool offerRecovery();
+    // Writes the program's description for tests and bug reports, when
+    // TALELOOM_STATE_FILE names a file.
+    void writeStateFile();
+
+protected:
+    // Opens the start-up question after the first loop turn, over the
+    // window that is up by then.
+    virtual void scheduleStartupDialog();
+
+private:
+    void registerFileTypes();
+    void applyLanguage();
+    void settleDocumentFolder();
+    void startMediaManager();
+    void readCommandLine();
+    void showUntitled();
+    void waitForSplash(uint32_t startedAt);
+    bool openDocumentFile(const KString& path, bool print);
+
+    MainPreferences preferences;
+    std::unique_ptr<MainPreferencesStore> preferenceStore;
+    KDirectory documentFolder;
+    ScreenMode screenMode = ScreenMode::Window;
+    bool fullScreen = false;
+    bool playOnOpen = false;
+    bool quitAfterPlay = false;
+    bool documentGiven = false;
+    KGraphicRectangle windowBounds;
     KPtr<ToolPalette> toolPalette;
-    StylusProjectPtr project;
+    KPtr<StylusActions> actions;
+    KMediaManagerPtr mediaManager;
+    std::unique_ptr<RecoveryCopy> recovery;
+    std::unique_ptr<StateFile> stateFile;
 };

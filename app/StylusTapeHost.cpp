@@ -1,5 +1,9 @@
 #include "app/StylusTapeHost.h"
 
+#include "app/ArtResources.h"
+#include "app/StylusActions.h"
+#include "app/StylusWindow.h"
+#include "app/ToolPalette.h"
 #include "graphics/KColor.h"
 #include "kernel/KDirectory.h"
 #include "kernel/KFileReference.h"
@@ -9,6 +13,7 @@
 #include "kmultimedia/KAbstractMedia.h"
 #include "kmultimedia/KMediaManager.h"
 #include "kmultimedia/KMovieSupport.h"
+#include "kmultimedia/KSpeechSupport.h"
 #include "windowing/KAlert.h"
 #include "windowing/KApplication.h"
 #include "windowing/KCursorManager.h"
@@ -22,8 +27,8 @@
 namespace {
 
 // The new-document size when the preferences name none.
-constexpr int32_t kDefaultPageWidth = 640;
-constexpr int32_t kDefaultPageHeight = 480;
+constexpr int32_t kDefaultPageWidth = 800;
+constexpr int32_t kDefaultPageHeight = 600;
 // "HighlightElements" is on unless the user turned it off.
 constexpr bool kDefaultHighlight = true;
 constexpr bool kDefaultAutoEdit = false;
@@ -54,10 +59,7 @@ int32_t integerOf(const KVariable& value)
     }
 }
 
-bool isIntegerKind(int32_t type)
-{
-    return type != KVariable::StringType && type != KVariable::ObjectType;
-}
+bool isIntegerKind(int32_t type) { return type != KVariable::StringType && type != KVariable::ObjectType; }
 
 // A stored side of the page, or the default for a missing, zero or
 // unusable one. Pages are 16-bit.
@@ -105,6 +107,79 @@ StylusTapeHost& StylusTapeHost::instance()
     return host;
 }
 
+// --- The main window ------------------------------------------------------------
+// The window shows the tape only when it is the window's; a tape drawn
+// elsewhere (a thumbnail, a print) is left to the quiet answers.
+
+namespace {
+
+StylusWindow* windowShowing(const Tape& tape)
+{
+    StylusWindow* window = StylusWindow::current();
+    return window && window->getTape() == &tape ? window : nullptr;
+}
+
+} // namespace
+
+void StylusTapeHost::redrawPage(Tape& tape)
+{
+    if (StylusWindow* window = windowShowing(tape))
+        window->redrawPage(true);
+    else
+        TapeHost::redrawPage(tape);
+}
+
+void StylusTapeHost::hideHighlight(bool restore)
+{
+    if (StylusWindow* window = StylusWindow::current())
+        window->hideHighlight(restore);
+}
+
+void StylusTapeHost::showHighlight(Tape& tape)
+{
+    if (StylusWindow* window = windowShowing(tape))
+        window->showHighlight();
+}
+
+void StylusTapeHost::beginInPlaceEdit(Tape& tape, TapeObject& element)
+{
+    StylusWindow* window = windowShowing(tape);
+    if (!window)
+        return;
+    KGraphicRectangle bounds = element.getBounds();
+    KGraphicPoint centre(int16_t(bounds.x + bounds.width / 2), int16_t(bounds.y + bounds.height / 2));
+    window->editElementAt(centre);
+}
+
+void StylusTapeHost::leaveInPlaceEdit()
+{
+    if (StylusWindow* window = StylusWindow::current())
+        window->stopEditing();
+}
+
+void StylusTapeHost::setWindowColour(const KColor&) { }
+
+void StylusTapeHost::showPauseMarks(bool shown)
+{
+    if (StylusWindow* window = StylusWindow::current())
+        window->showPauseMarks(shown);
+}
+
+void StylusTapeHost::stopAction(Tape& tape)
+{
+    StylusActions* actions = StylusActions::current();
+    if (actions && windowShowing(tape))
+        actions->stopPlay();
+    else
+        TapeHost::stopAction(tape);
+}
+
+void StylusTapeHost::selectTool(int32_t entry)
+{
+    if (ToolPalette* palette = ToolPalette::current())
+        palette->setElementIndicator(entry);
+}
+
 // --- Preferences --------------------------------------------------------------
 
 const KPreferences& StylusTapeHost::preferences()
@@ -116,7 +191,10 @@ const KPreferences& StylusTapeHost::preferences()
     return *cachedPreferences;
 }
 
-void StylusTapeHost::setPreferences(const KPreferences& values) { cachedPreferences = std::make_unique<KPreferences>(values); }
+void StylusTapeHost::setPreferences(const KPreferences& values)
+{
+    cachedPreferences = std::make_unique<KPreferences>(values);
+}
 
 void StylusTapeHost::reloadPreferences() { cachedPreferences.reset(); }
 
@@ -133,6 +211,8 @@ int32_t StylusTapeHost::readInteger(const char* key, int32_t fallback)
 bool StylusTapeHost::autoEditCurrentElement() { return readFlag("AutoEdit", kDefaultAutoEdit); }
 
 bool StylusTapeHost::highlightCurrentElement() { return readFlag("HighlightElements", kDefaultHighlight); }
+
+bool StylusTapeHost::limitActorSize() { return readFlag("LimitActorSize", true); }
 
 KGraphicSize StylusTapeHost::newDocumentPageSize()
 {
@@ -157,6 +237,9 @@ void StylusTapeHost::beep() { ::beep(); }
 
 void StylusTapeHost::alert(const KString& title, const KString& text)
 {
+    // A box that opens under the pen would keep the button's release.
+    if (StylusWindow* window = StylusWindow::current())
+        window->endOpenDrags();
     if (KNativeLayer::current())
         ::alert(title, text);
     else
@@ -183,9 +266,9 @@ bool StylusTapeHost::findMissingFile(KFileReference& file, KDirectory& directory
         return true;
     KString name = file.getObjectName();
     KFileReference asked(directory.getPath().getChildFile(name));
-    KString title = tapeTranslate("Look for missing file");
-    if (!name.isEmpty())
-        title = title + ": " + name;
+    // TRANSLATORS: a chooser's title; %1 is the missing file's name.
+    KString title = name.isEmpty() ? tapeTranslate("Look for missing file")
+                                   : tapeTranslate("Look for missing file: %1").withArguments({ name });
     if (!dialogs->doOpenDialog(asked, title, KFileTypeID(0)))
         return true;
     file = asked;
@@ -250,9 +333,10 @@ KString StylusTapeHost::noticeText() const
     }
     if (count > listed) {
         text.append("\n");
-        text.append(tapeTranslate("Not listed:"));
-        text.append(' ');
-        text.appendLong(count - listed);
+        KString left;
+        left.setFromLong(count - listed);
+        // TRANSLATORS: ends a list of file names; %1 is the number of names left out.
+        text.append(tapeTranslate("Not listed: %1").withArguments({ left }));
     }
     return text.toString();
 }
@@ -274,7 +358,7 @@ void StylusTapeHost::flushNotices()
 
 // --- Engines, mouse, movie ------------------------------------------------------
 
-bool StylusTapeHost::hasSpeechEngine() { return true; }
+bool StylusTapeHost::hasSpeechEngine() { return KSpeechSupport::hasEngine(); }
 
 bool StylusTapeHost::hasMovieEngine() { return KMovieSupport::availableEngines() != 0; }
 
@@ -342,3 +426,5 @@ void StylusTapeHost::stopAllMedia()
     if (KMediaManager* manager = KMediaManager::current())
         manager->stopAllMedia();
 }
+
+bool StylusTapeHost::loadBitmapResource(int16_t id, KImage& image) { return ArtResources::loadImage(id, image); }

@@ -31,6 +31,19 @@ public:
     // The program's one host; the application installs it.
     static StylusTapeHost& instance();
 
+    // --- The main window ---------------------------------------------------
+    void redrawPage(Tape& tape) override;
+    void hideHighlight(bool restore) override;
+    void showHighlight(Tape& tape) override;
+    void beginInPlaceEdit(Tape& tape, TapeObject& element) override;
+    void leaveInPlaceEdit() override;
+    void setWindowColour(const KColor& colour) override;
+    void showPauseMarks(bool shown) override;
+    void stopAction(Tape& tape) override;
+    void selectTool(int32_t entry) override;
+
+    // "LimitActorSize": placed actors stay within 320 by 240.
+    bool limitActorSize();
     // --- Preferences -------------------------------------------------------
 
     bool autoEditCurrentElement() override;
@@ -73,6 +86,8 @@ public:
     void endBusyCursor() override;
     int32_t getBusyDepth() const { return busyDepth; }
     void pauseAllMedia() override;
+    // The program's own pictures, compiled into it.
+    bool loadBitmapResource(int16_t id, KImage& image) override;
     void stopAllMedia() override;
 
 protected:

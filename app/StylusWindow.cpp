@@ -1,20 +1,63 @@
 #include "app/StylusWindow.h"
 
 #include "app/SceneTapePage.h"
+#include "app/StylusActions.h"
+#include "app/ToolPalette.h"
 #include "app/actors/ActorLoading.h"
-#include "tape/Tape.h"
+#include "graphics/KAlphaImage.h"
 #include "graphics/KColor.h"
 #include "graphics/KGraphicSize.h"
 #include "kernel/KClass.h"
+#include "kernel/KFileReference.h"
+#include "kmultimedia/KSprite.h"
+#include "kmultimedia/KSpriteLayer.h"
 #include "kmultimedia/KSpriteSystem.h"
 #include "kmultimedia/StylusSpriteSystem.h"
+#include "project/StylusProject.h"
+#include "tape/Tape.h"
+#include "windowing/KApplication.h"
+#include "windowing/KBusyCursor.h"
+#include "windowing/KCursorManager.h"
 #include "windowing/KNativeLayer.h"
+#include "windowing/KServices.h"
+#include "windowing/KTimer.h"
 
 #include <algorithm>
 
 namespace {
 
 StylusWindow* gStylusWindow = nullptr;
+
+KTimer* makeTimer(KThing& target, int32_t interval, bool repeat)
+{
+    auto* timer = new KTimer();
+    timer->setTarget(&target);
+    timer->setInterval(interval);
+    timer->setRepeat(repeat);
+    return timer;
+}
+
+// A marker: a round sign in the page's top right corner, orange for a
+// pause, blue for a wait, with a white ring so it shows on any page.
+KAlphaImagePtr markerImage(const KColor& colour)
+{
+    int16_t size = StylusWindow::kMarkerSize;
+    KGraphicRectangle whole(0, 0, size, size);
+    KAlphaImagePtr image(new KAlphaImage(KGraphicSize(size, size)));
+    KImagePtr mask(new KImage(KGraphicSize(size, size)));
+    mask->getDevice().fillRectangle(whole, KColor(KColor::White));
+    mask->getDevice().setForeground(KColor(KColor::Black));
+    mask->getDevice().fillOval(whole);
+    KGraphicDevice& device = image->getDevice();
+    device.fillRectangle(whole, KColor(KColor::White));
+    device.setForeground(KColor(KColor::White));
+    device.fillOval(whole);
+    device.setForeground(colour);
+    device.fillOval(KGraphicRectangle(4, 4, int16_t(size - 8), int16_t(size - 8)));
+    image->setMask(*mask);
+    image->setBlendMode(KAlphaImage::Masked);
+    return image;
+}
 
 } // namespace
 
@@ -24,29 +67,53 @@ K_DEFINE_CLASS(StylusWindow, KWindow)
 StylusWindow::StylusWindow()
 {
     gStylusWindow = this;
-    setTitle("TaleLoom");
+    setTitle(kTranslate("TaleLoom"));
     int32_t screenWidth = 0;
     int32_t screenHeight = 0;
     if (KNativeLayer* layer = KNativeLayer::current())
         layer->screenSize(screenWidth, screenHeight);
-    int32_t x = screenWidth > kDefaultWidth ? (screenWidth - kDefaultWidth) / 2 : 0;
-    int32_t y = screenHeight > kDefaultHeight ? (screenHeight - kDefaultHeight) / 2 : 0;
-    setBounds(KGraphicRectangle(int16_t(x), int16_t(y), kDefaultWidth, kDefaultHeight));
+    int32_t width = std::min<int32_t>(kDefaultWidth, screenWidth > 0 ? screenWidth : kDefaultWidth);
+    int32_t height = std::min<int32_t>(kDefaultHeight, screenHeight > 0 ? screenHeight : kDefaultHeight);
+    int32_t x = screenWidth > width ? (screenWidth - width) / 2 : 0;
+    int32_t y = screenHeight > height ? (screenHeight - height) / 2 : 0;
+    setBounds(KGraphicRectangle(int16_t(x), int16_t(y), int16_t(width), int16_t(height)));
 }
 
 StylusWindow::~StylusWindow()
 {
+    stopTimers();
     if (gStylusWindow == this)
         gStylusWindow = nullptr;
 }
 
 StylusWindow* StylusWindow::current() { return gStylusWindow; }
 
-void StylusWindow::open(int32_t mode)
+void StylusWindow::open(OpenMode mode)
 {
     KWindow::open(mode);
-    if (isOpen())
-        finishOpen();
+    if (!isOpen())
+        return;
+    makeTimers();
+    finishOpen();
+}
+
+void StylusWindow::makeTimers()
+{
+    if (blinkTimer)
+        return;
+    blinkTimer = kAdopt(makeTimer(*this, kBlinkInterval, true));
+    highlightTimer = kAdopt(makeTimer(*this, kHighlightInterval, false));
+    cursorTimer = kAdopt(makeTimer(*this, kCursorHideInterval, false));
+}
+
+void StylusWindow::stopTimers()
+{
+    for (KTimer* timer : { blinkTimer.get(), highlightTimer.get(), cursorTimer.get() }) {
+        if (timer) {
+            timer->stop();
+            timer->setTarget(nullptr);
+        }
+    }
 }
 
 void StylusWindow::finishOpen()
@@ -58,13 +125,21 @@ void StylusWindow::finishOpen()
     spriteSystem->attachDevice(*this);
     addLayer(*spriteSystem);
     placePage();
+    buildSprites();
+    updateBrushSprite();
+    if (ToolPalette* palette = ToolPalette::current())
+        palette->updateState(int32_t(windowMode));
+    updateBrushPosition();
 }
 
 // The scene holds the window as its device and the window holds the scene
 // as a layer: removing the layer undoes both.
 void StylusWindow::close()
 {
+    stopTimers();
+    strokes.release(0, 0, false);
     releaseTape();
+    dropSprites();
     if (StylusSpriteSystemPtr scene = spriteSystem) {
         spriteSystem.clear();
         scene->pause();
@@ -72,6 +147,58 @@ void StylusWindow::close()
         scene->detachDevice();
     }
     KWindow::close();
+}
+
+KEventReturn StylusWindow::doClose(KWindowEvent&)
+{
+    // Closing the main window is quitting, with the save question.
+    if (KApplication* application = KApplication::current())
+        application->requestQuit();
+    return 1;
+}
+
+void StylusWindow::buildSprites()
+{
+    pauseMarker = kAdopt(new KSprite());
+    pauseMarker->addFrame(*markerImage(KColor(0xEF00, 0x8600, 0)));
+    waitMarker = kAdopt(new KSprite());
+    waitMarker->addFrame(*markerImage(KColor(0x1000, 0x6000, 0xE700)));
+    for (KSprite* marker : { pauseMarker.get(), waitMarker.get() }) {
+        marker->hide();
+        spriteSystem->addSprite(*marker);
+    }
+    placePage();
+}
+
+void StylusWindow::dropSprites()
+{
+    if (!spriteSystem)
+        return;
+    for (KSprite* sprite : { brush.get(), pauseMarker.get(), waitMarker.get() }) {
+        if (sprite)
+            spriteSystem->removeSprite(*sprite);
+    }
+    brush.clear();
+    pauseMarker.clear();
+    waitMarker.clear();
+}
+
+void StylusWindow::timerFired(KTimer& timer)
+{
+    if (&timer == blinkTimer.get()) {
+        blinkOn = !blinkOn;
+        if (pauseMarker) {
+            if (blinkOn)
+                pauseMarker->show();
+            else
+                pauseMarker->hide();
+        }
+    } else if (&timer == highlightTimer.get()) {
+        hideHighlight(true);
+    } else if (&timer == cursorTimer.get()) {
+        if (windowMode == WindowMode::Playing)
+            setCursorShown(false);
+    }
 }
 
 StylusSpriteSystem& StylusWindow::getSpriteSystem() const { return spriteSystem.getObject(); }
@@ -85,10 +212,21 @@ KGraphicRectangle StylusWindow::getPageRectangle() const
     return KGraphicRectangle(spriteSystem->getOrigin(), spriteSystem->getPageSize());
 }
 
+KGraphicPoint StylusWindow::toPage(const KGraphicPoint& windowPoint) const
+{
+    KGraphicPoint origin = spriteSystem ? spriteSystem->getOrigin() : KGraphicPoint();
+    return KGraphicPoint(int16_t(windowPoint.x - origin.x), int16_t(windowPoint.y - origin.y));
+}
+
+bool StylusWindow::tapeIsIdle() const { return !tape || tape->getPlayState() == Tape::PlayState::Stopped; }
+
+// --- Tape ---------------------------------------------------------------------
+
 void StylusWindow::showTape(Tape& shown, KDirectory* actorsDirectory)
 {
     if (!spriteSystem)
         return;
+    stopEditing();
     releaseTape();
     tape = shown;
     if (actorsDirectory)
@@ -100,12 +238,16 @@ void StylusWindow::showTape(Tape& shown, KDirectory* actorsDirectory)
     scenePage = kAdopt(new SceneTapePage(*spriteSystem));
     shown.setSpriteSystem(*scenePage);
     shown.rebuildPage();
+    setWindowMode(WindowMode::TapeEditing);
+    updateTitle();
+    redrawPage(false);
 }
 
 Tape* StylusWindow::getTape() const { return tape.get(); }
 
 void StylusWindow::releaseTape()
 {
+    endOpenDrags();
     if (TapePtr shown = tape) {
         tape.clear();
         shown->stopPlaying();
@@ -113,6 +255,143 @@ void StylusWindow::releaseTape()
     }
     scenePage.clear();
 }
+
+// --- Modes --------------------------------------------------------------------
+
+void StylusWindow::setWindowMode(WindowMode mode)
+{
+    windowMode = mode;
+    if (ToolPalette* palette = ToolPalette::current())
+        palette->updateState(int32_t(mode));
+}
+
+void StylusWindow::beginPastePlacement()
+{
+    stopEditing();
+    hideBrush();
+    editMode = EditMode::Paste;
+}
+
+void StylusWindow::updateTitle()
+{
+    if (windowMode == WindowMode::None)
+        setWindowMode(WindowMode::TapeEditing);
+    KString name = kTranslate("Untitled");
+    if (project && project->hasFile())
+        name = project->getFile()->getPath().getName();
+    setTitle(name + " - " + kTranslate("TaleLoom"));
+}
+
+// --- Page ---------------------------------------------------------------------
+
+void StylusWindow::redrawPage(bool redraw)
+{
+    if (!tape)
+        return;
+    KBusyCursor busy;
+    if (redraw)
+        tape->rebuildPage();
+    if (ToolPalette* palette = ToolPalette::current())
+        palette->setElementIndicator(tape->getToolEntry());
+}
+
+void StylusWindow::showHighlight()
+{
+    if (!tape || !spriteSystem || !tape->hasCurrentElement() || !tapeIsIdle())
+        return;
+    TapeObject* element = tape->getCurrentElement();
+    KGraphicRectangle area = element->getBounds();
+    if (area.isEmpty())
+        return;
+    KGraphicDevice* device = spriteSystem->getPageDevice();
+    if (!device)
+        return;
+    element->drawHighlighted(*device, area, area);
+    spriteSystem->refresh(area);
+    highlightShown = true;
+    if (highlightTimer) {
+        highlightTimer->stop();
+        highlightTimer->start();
+    }
+}
+
+void StylusWindow::hideHighlight(bool restore)
+{
+    if (highlightTimer)
+        highlightTimer->stop();
+    if (!highlightShown)
+        return;
+    highlightShown = false;
+    if (restore && tape)
+        tape->rebuildPage();
+}
+
+// --- Play ---------------------------------------------------------------------
+
+void StylusWindow::enterPlayMode()
+{
+    hideHighlight(true);
+    hideBrush();
+    setWindowMode(WindowMode::Playing);
+    restartCursorTimer();
+}
+
+void StylusWindow::stopPlayMode()
+{
+    if (cursorTimer)
+        cursorTimer->stop();
+    setCursorShown(true);
+    stopBlink();
+    setWindowMode(WindowMode::TapeEditing);
+}
+
+void StylusWindow::restartCursorTimer()
+{
+    if (!cursorTimer)
+        return;
+    cursorTimer->stop();
+    cursorTimer->start();
+}
+
+void StylusWindow::setCursorShown(bool shown)
+{
+    if (cursorShown == shown)
+        return;
+    cursorShown = shown;
+    if (KCursorManager* cursors = KCursorManager::current()) {
+        if (shown)
+            cursors->showCursor();
+        else
+            cursors->hideCursor();
+    }
+}
+
+void StylusWindow::showPauseMarks(bool shown)
+{
+    if (!pauseMarker)
+        return;
+    if (shown) {
+        blinkOn = true;
+        pauseMarker->show();
+        if (blinkTimer && !blinkTimer->isRunning())
+            blinkTimer->start();
+    } else {
+        stopBlink();
+    }
+}
+
+void StylusWindow::stopBlink()
+{
+    if (blinkTimer)
+        blinkTimer->stop();
+    blinkOn = false;
+    if (pauseMarker)
+        pauseMarker->hide();
+    if (waitMarker)
+        waitMarker->hide();
+}
+
+// --- Layout -------------------------------------------------------------------
 
 KGraphicPoint StylusWindow::centredOrigin() const
 {
@@ -124,12 +403,17 @@ KGraphicPoint StylusWindow::centredOrigin() const
 }
 
 // A new place shows at the next paint, which fills the surroundings and
-// paints the page whole.
+// paints the page whole. The markers keep to the page's top right.
 void StylusWindow::placePage()
 {
     if (!spriteSystem)
         return;
     spriteSystem->setOrigin(centredOrigin());
+    KGraphicSize page = spriteSystem->getPageSize();
+    for (KSprite* marker : { pauseMarker.get(), waitMarker.get() }) {
+        if (marker)
+            marker->setPosition(float(page.width - kMarkerInset), float(kMarkerTop));
+    }
     layoutStale = true;
     invalidate();
 }
@@ -164,5 +448,12 @@ KEventReturn StylusWindow::doPaint(KWindowEvent&)
     layoutStale = false;
     fillSurroundings();
     spriteSystem->repaintPage();
+    return 0;
+}
+
+KEventReturn StylusWindow::doDeactivate(KWindowEvent&)
+{
+    endOpenDrags();
+    hideBrush();
     return 0;
 }

@@ -71,7 +71,8 @@ const KFileReference& storyFile()
         KErrorHandler::loadKernelErrors();
         kRegisterKernelClasses();
         registerDocumentClasses();
-        auto* reference = new KFileReference(KPath(KString((folder.path + "/story.TPD").c_str()), KPath::LinuxPlatform));
+        auto* reference
+            = new KFileReference(KPath(KString((folder.path + "/story.TPD").c_str()), KPath::LinuxPlatform));
         StylusProjectPtr project(new StylusProject());
         Tape& tape = *project->getTape();
         tape.setPageSize(KGraphicSize(kPageWidth, kPageHeight));
@@ -117,7 +118,8 @@ void BM_LoadProject(benchmark::State& state)
         benchmark::DoNotOptimize(project->getTape()->getCount());
     }
     state.SetItemsProcessed(state.iterations() * kElements);
-    state.SetBytesProcessed(state.iterations() * int64_t(std::filesystem::file_size(storyFile().getNativeText().c_str())));
+    state.SetBytesProcessed(state.iterations()
+                            * int64_t(std::filesystem::file_size(storyFile().getNativeText().c_str())));
 }
 BENCHMARK(BM_LoadProject)->Unit(benchmark::kMillisecond);
 

@@ -217,9 +217,8 @@ void BM_StepBackOnALongTape(benchmark::State& state)
     for (double t : times)
         total += t;
     auto percentile = [&](double p) { return times.empty() ? 0.0 : times[size_t(p * double(times.size() - 1))]; };
-    auto wallPercentile = [&](double p) {
-        return wallTimes.empty() ? 0.0 : wallTimes[size_t(p * double(wallTimes.size() - 1))];
-    };
+    auto wallPercentile
+        = [&](double p) { return wallTimes.empty() ? 0.0 : wallTimes[size_t(p * double(wallTimes.size() - 1))]; };
     const TapePageCache& cache = tape.getPageCache();
     state.counters["full_rebuild_ms"] = warmUp * 1000.0;
     state.counters["p50_ms"] = percentile(0.5) * 1000.0;

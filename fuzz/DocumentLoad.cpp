@@ -63,7 +63,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     KDocument document;
     // The magic comes from the input, so that every input reaches the body.
     if (size >= 4)
-        document.setMagic(int32_t(uint32_t(data[0]) << 24 | uint32_t(data[1]) << 16 | uint32_t(data[2]) << 8 | data[3]));
+        document.setMagic(
+            int32_t(uint32_t(data[0]) << 24 | uint32_t(data[1]) << 16 | uint32_t(data[2]) << 8 | data[3]));
     // Odd lengths load as the inspector does, with unknown objects kept.
     bool keepUnknown = size % 2 == 1;
     bool loaded = load(document, data, size, keepUnknown);

@@ -81,7 +81,8 @@ bool cheapToDraw(const Tape& tape)
         TapeObject* element = tape.getAt(i);
         if (auto* stroke = dynamic_cast<Stroke*>(element))
             dabs += dabsOf(*stroke);
-        else if (auto* wipe = dynamic_cast<WipeOut*>(element); !wipe || wipe->getBackground() != WipeOut::ColourBackground)
+        else if (auto* wipe = dynamic_cast<WipeOut*>(element);
+                 !wipe || wipe->getBackground() != WipeOut::ColourBackground)
             return false;
     }
     return dabs <= kMaxDabs;

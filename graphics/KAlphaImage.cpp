@@ -67,6 +67,15 @@ bool KAlphaImage::createFromPath(const KString& path)
     return loaded;
 }
 
+bool KAlphaImage::createFromFileBytes(const void* bytes, size_t size)
+{
+    disposeNativeAlpha();
+    alphaPlane.clear();
+    bool loaded = KImage::createFromFileBytes(bytes, size);
+    rebuildNativeAlpha();
+    return loaded;
+}
+
 bool KAlphaImage::createFromPathScaled(const KString& path, const KGraphicSize& size)
 {
     disposeNativeAlpha();
@@ -257,8 +266,8 @@ void KAlphaImage::ensureNativeAlpha()
         return;
     }
     bool stale = !nativeAlpha || builtImage != device->getChangeCount()
-        || (mask && builtMask != mask->getDevice().getChangeCount())
-        || (alphaPlane && builtPlane != alphaPlane->getDevice().getChangeCount());
+                 || (mask && builtMask != mask->getDevice().getChangeCount())
+                 || (alphaPlane && builtPlane != alphaPlane->getDevice().getChangeCount());
     if (stale)
         rebuildNativeAlpha();
 }
@@ -287,7 +296,8 @@ KWideRectangle KAlphaImage::maskSource(const KGraphicRectangle& source) const
     return r;
 }
 
-void KAlphaImage::drawRegion(KGraphicDevice& target, const KGraphicRectangle& source, const KGraphicRectangle& destination)
+void KAlphaImage::drawRegion(KGraphicDevice& target, const KGraphicRectangle& source,
+                             const KGraphicRectangle& destination)
 {
     if (!hasImage() || destination.isEmpty())
         return;
@@ -297,7 +307,8 @@ void KAlphaImage::drawRegion(KGraphicDevice& target, const KGraphicRectangle& so
         // same picture composited from the premultiplied form.
         ensureNativeAlpha();
         if (nativeAlpha)
-            nativeAlpha->blendTo(target, source.toWide(), destination.toWide(), blendMode == Masked ? 255 : constantAlpha());
+            nativeAlpha->blendTo(target, source.toWide(), destination.toWide(),
+                                 blendMode == Masked ? 255 : constantAlpha());
         return;
     }
     if (blendMode == Masked) {
@@ -324,7 +335,8 @@ void KAlphaImage::drawRegion(KGraphicDevice& target, const KGraphicRectangle& so
     device->blendTo(target, source.toWide(), destination.toWide(), alpha);
 }
 
-void KAlphaImage::drawMasked(KGraphicDevice& target, const KGraphicRectangle& source, const KGraphicRectangle& destination)
+void KAlphaImage::drawMasked(KGraphicDevice& target, const KGraphicRectangle& source,
+                             const KGraphicRectangle& destination)
 {
     mask->getDevice().rasterCopyTo(target, maskSource(source), destination.toWide(), KPixelOps::RasterOp::MergePaint);
     device->rasterCopyTo(target, source.toWide(), destination.toWide(), KPixelOps::RasterOp::And);
@@ -394,14 +406,9 @@ bool KAlphaImage::readRecord(KFile& file)
     disposeNativeAlpha();
     alphaPlane.clear();
     mask.clear();
-    bool read = KGraphicsStreams::readSections(file, classRecord, [&](int32_t id) {
-        using Result = KGraphicsStreams::SectionResult;
-        if (id == 1)
-            return readMainPayload(file) ? Result::Read : Result::Failed;
-        if (id == 2)
-            return readAlphaPlane(file) ? Result::Read : Result::Failed;
-        return Result::Unknown;
-    });
+    bool read = KGraphicsStreams::readSections(
+        file, classRecord,
+        { { 1, [&] { return readMainPayload(file); } }, { 2, [&] { return readAlphaPlane(file); } } });
     if (!read) {
         mask.clear();
         alphaPlane.clear();

@@ -25,7 +25,8 @@ public:
     // A new image with the same pixels, mask and settings.
     KThing* deepCopy() const override;
 
-    void drawRegion(KGraphicDevice& target, const KGraphicRectangle& source, const KGraphicRectangle& destination) override;
+    void drawRegion(KGraphicDevice& target, const KGraphicRectangle& source,
+                    const KGraphicRectangle& destination) override;
 
     // The record: the whole KImage record, the mask as a whole KImage record
     // (an empty one when there is none), the hot spot as a KGraphicPoint
@@ -44,6 +45,7 @@ public:
     void setSize(const KGraphicSize& size) override;
     bool createFromPathScaled(const KString& path, const KGraphicSize& size) override;
     bool createFromPath(const KString& path) override;
+    bool createFromFileBytes(const void* bytes, size_t size) override;
     void flipHorizontal() override;
     void flipVertical() override;
     void rotateLeft() override;
@@ -89,7 +91,8 @@ private:
     uint8_t constantAlpha() const;
     KWideRectangle maskSource(const KGraphicRectangle& source) const;
     void drawMasked(KGraphicDevice& target, const KGraphicRectangle& source, const KGraphicRectangle& destination);
-    void drawMaskedBlended(KGraphicDevice& target, const KGraphicRectangle& source, const KGraphicRectangle& destination);
+    void drawMaskedBlended(KGraphicDevice& target, const KGraphicRectangle& source,
+                           const KGraphicRectangle& destination);
 
     KImagePtr mask;
     KGraphicPoint hotSpot;

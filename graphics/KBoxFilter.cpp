@@ -52,7 +52,7 @@ void stretch(const KPixelBuffer& source, const KWideRectangle& from, const KWide
     for (int32_t j = 0; j < visible.height; ++j) {
         std::fill(sums.begin(), sums.end(), 0);
         for (int32_t r = 0; r < rows.count[size_t(j)]; ++r) {
-            uint64_t wy = rows.weights[size_t(rows.offset[size_t(j)] + r)];
+            uint64_t wy = rows.weights[size_t(rows.offset[size_t(j)]) + size_t(r)];
             const uint32_t* line = source.row(from.y + rows.first[size_t(j)] + r) + from.x;
             for (int32_t c = 0; c < w; ++c) {
                 uint32_t channels[4] = { 0, 0, 0, 0 };

@@ -26,7 +26,7 @@ double sanitisedSize(double size)
 void kksGetStandardFont(KStandardFont font, KString& name, double* size)
 {
     if (!size) {
-        KErrorHandler::raiseError(KError::PointerNull, "kksGetStandardFont(KStandardFont F, KString& Name, double* Size)");
+        KErrorHandler::raiseError(KError::PointerNull);
         return;
     }
     // The desktop has no system font object to ask, so the fallbacks for
@@ -48,10 +48,7 @@ KFont::KFont()
 {
 }
 
-KFont::KFont(KStandardFont standard)
-{
-    kksGetStandardFont(standard, name, &size);
-}
+KFont::KFont(KStandardFont standard) { kksGetStandardFont(standard, name, &size); }
 
 KFont::KFont(const KString& name, double size, int32_t face)
     : name(name)

@@ -133,7 +133,7 @@ void KGraphicDevice::setBackground(const KColor& colour)
         state.background = colour;
 }
 
-void KGraphicDevice::setPenMode(int32_t mode) { state.penMode = mode; }
+void KGraphicDevice::setPenMode(KGraphicDeviceState::PenMode mode) { state.penMode = mode; }
 void KGraphicDevice::setPenSize(int16_t size) { state.penSize = size; }
 void KGraphicDevice::setFont(KFont& font) { state.font = font; }
 void KGraphicDevice::clearFont() { state.font.clear(); }
@@ -563,7 +563,8 @@ void KGraphicDevice::drawPopupArrow(const KGraphicRectangle& r)
 
 // --- Copies ----------------------------------------------------------------
 
-void KGraphicDevice::copyTo(KGraphicDevice& target, const KGraphicRectangle& source, const KGraphicRectangle& destination)
+void KGraphicDevice::copyTo(KGraphicDevice& target, const KGraphicRectangle& source,
+                            const KGraphicRectangle& destination)
 {
     copyArea(target, source.toWide(), destination.toWide());
 }
@@ -586,7 +587,7 @@ void KGraphicDevice::copyArea(KGraphicDevice& target, const KWideRectangle& from
     // A plain RGB24 copy into an ARGB32 surface needs its alpha set, which
     // cairo does.
     bool formatsAllow = target.nativeDevice->getFormat() == KNativeDevice::Format::Rgb24
-        || nativeDevice->getFormat() == target.nativeDevice->getFormat();
+                        || nativeDevice->getFormat() == target.nativeDevice->getFormat();
     if (formatsAllow && hasPixelAccess() && target.hasPixelAccess()) {
         combine(target, from, to, [](const KPixelBuffer& d, const KPixelBuffer& s, const KPixelOps::Area& a) {
             KPixelOps::apply(d, s, a, KPixelOps::RasterOp::Copy);
@@ -602,7 +603,8 @@ void KGraphicDevice::copyArea(KGraphicDevice& target, const KWideRectangle& from
 }
 
 template<class Op>
-void KGraphicDevice::combineEqualSize(KGraphicDevice& target, const KWideRectangle& from, const KWideRectangle& to, Op&& op)
+void KGraphicDevice::combineEqualSize(KGraphicDevice& target, const KWideRectangle& from, const KWideRectangle& to,
+                                      Op&& op)
 {
     KPixelBuffer destination, source;
     if (!target.nativeDevice || !target.nativeDevice->beginPixels(destination) || !nativeDevice
@@ -635,7 +637,8 @@ void KGraphicDevice::combineEqualSize(KGraphicDevice& target, const KWideRectang
         part.intersectWith(clip);
         if (part.isEmpty())
             continue;
-        op(destination, source, KPixelOps::Area { part.x, part.y, part.x + sourceDx, part.y + sourceDy, part.width, part.height });
+        op(destination, source,
+           KPixelOps::Area { part.x, part.y, part.x + sourceDx, part.y + sourceDy, part.width, part.height });
         changed.uniteWith(part);
     }
     if (changed.isEmpty())
@@ -655,8 +658,8 @@ void KGraphicDevice::combine(KGraphicDevice& target, const KWideRectangle& from,
     }
     // Stretch first, into a surface only as large as the visible part.
     KWideRectangle sourceArea = from, destinationArea = to;
-    if (!KBoxFilter::clipToSource(KWideRectangle(0, 0, nativeDevice->getWidth(), nativeDevice->getHeight()),
-                                  sourceArea, destinationArea))
+    if (!KBoxFilter::clipToSource(KWideRectangle(0, 0, nativeDevice->getWidth(), nativeDevice->getHeight()), sourceArea,
+                                  destinationArea))
         return;
     KWideRectangle visible = destinationArea;
     visible.intersectWith(target.clipRects.getBounds());
@@ -676,8 +679,8 @@ void KGraphicDevice::combine(KGraphicDevice& target, const KWideRectangle& from,
     temporary.combineEqualSize(target, whole, visible, op);
 }
 
-void KGraphicDevice::rasterCopyTo(KGraphicDevice& target, const KWideRectangle& source, const KWideRectangle& destination,
-                                  KPixelOps::RasterOp op)
+void KGraphicDevice::rasterCopyTo(KGraphicDevice& target, const KWideRectangle& source,
+                                  const KWideRectangle& destination, KPixelOps::RasterOp op)
 {
     if (op == KPixelOps::RasterOp::Copy && !(hasPixelAccess() && target.hasPixelAccess())) {
         copyArea(target, source, destination);
@@ -698,7 +701,8 @@ void KGraphicDevice::blendTo(KGraphicDevice& target, const KWideRectangle& sourc
     bool premultiplied = nativeDevice->getFormat() == KNativeDevice::Format::Argb32;
     if (!hasPixelAccess() || !target.hasPixelAccess()) {
         target.nativeDevice->paintFrom(*nativeDevice, source, destination, target.clipRects,
-                                       sameSize(source, destination) ? KNativeDevice::Filter::Exact : KNativeDevice::Filter::Smooth,
+                                       sameSize(source, destination) ? KNativeDevice::Filter::Exact
+                                                                     : KNativeDevice::Filter::Smooth,
                                        true, alpha / 255.0);
         KWideRectangle changed = destination;
         changed.intersectWith(target.clipRects.getBounds());

@@ -72,8 +72,8 @@ public:
     void setBackground(const KColor& colour);
     const KColor& getForeground() const { return state.foreground; }
     const KColor& getBackground() const { return state.background; }
-    void setPenMode(int32_t mode);
-    int32_t getPenMode() const { return state.penMode; }
+    void setPenMode(KGraphicDeviceState::PenMode mode);
+    KGraphicDeviceState::PenMode getPenMode() const { return state.penMode; }
     void setPenSize(int16_t size);
     int16_t getPenSize() const { return state.penSize; }
     void setFont(KFont& font);
@@ -180,7 +180,8 @@ public:
                       KPixelOps::RasterOp op);
     // Blends the source area over the target with a constant alpha (255
     // opaque); a premultiplied ARGB32 source blends by its own alpha too.
-    void blendTo(KGraphicDevice& target, const KWideRectangle& source, const KWideRectangle& destination, uint8_t alpha);
+    void blendTo(KGraphicDevice& target, const KWideRectangle& source, const KWideRectangle& destination,
+                 uint8_t alpha);
 
 protected:
     // Called after the pixels in the rectangle changed; a window queues a
@@ -197,8 +198,8 @@ private:
     uint32_t penColour() const;
     void noteChange(const KWideRectangle& changed);
     void updateClip();
-    void drawEdge(const KGraphicRectangle& r, uint32_t outerTopLeft, uint32_t outerBottomRight,
-                  uint32_t innerTopLeft, uint32_t innerBottomRight);
+    void drawEdge(const KGraphicRectangle& r, uint32_t outerTopLeft, uint32_t outerBottomRight, uint32_t innerTopLeft,
+                  uint32_t innerBottomRight);
     void copyArea(KGraphicDevice& target, const KWideRectangle& from, const KWideRectangle& to);
     template<class Op>
     void combineEqualSize(KGraphicDevice& target, const KWideRectangle& from, const KWideRectangle& to, Op&& op);

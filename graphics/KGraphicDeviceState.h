@@ -11,11 +11,12 @@
 class KGraphicDeviceState : public KThing {
     K_DECLARE_CLASS(KGraphicDeviceState)
 public:
-    enum PenMode : int32_t {
+    enum class PenMode : int32_t {
         CopyForeground = 0, // paint in the foreground colour
         Invert = 1, // invert the surface exactly
         CopyBackground = 2, // paint in the background colour
     };
+    using enum PenMode;
 
     KGraphicDeviceState();
     // A state is copied only by assign, which leaves the font out.
@@ -27,7 +28,7 @@ public:
     // Copies colours, pen mode and pen size; not the font.
     void assign(const KGraphicDeviceState& other);
 
-    int32_t penMode = CopyForeground;
+    PenMode penMode = CopyForeground;
     int16_t penSize = 1;
     KColor foreground { KColor::Black };
     KColor background { KColor::White };

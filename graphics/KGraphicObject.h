@@ -16,7 +16,8 @@ public:
 
     virtual KGraphicRectangle getBounds() const { return bounds; }
     // Draws the part `source` (in its own coordinates) scaled into `target`.
-    virtual void drawRegion(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target) = 0;
+    virtual void drawRegion(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target)
+        = 0;
     // Draws the whole, scaled into `target`.
     virtual void drawIn(KGraphicDevice& device, const KGraphicRectangle& target) = 0;
     // Draws the whole at its natural size with its origin at `p`.

@@ -6,26 +6,9 @@
 #include "kernel/KError.h"
 #include "kernel/KFile.h"
 
+#include <vector>
+
 namespace KGraphicsStreams {
-
-namespace {
-
-// Puts the position at the section's end after its payload was read.
-bool closeSection(KFile& file, int32_t sectionEnd)
-{
-    if (file.getError())
-        return false;
-    int32_t position = file.getPosition();
-    if (position > sectionEnd) {
-        file.setError(KError::CouldNotReadFile);
-        return false;
-    }
-    if (position < sectionEnd)
-        file.setPosition(sectionEnd);
-    return true;
-}
-
-} // namespace
 
 void writeMainSection(KFile& file, const KClass* cls, const std::function<void()>& body)
 {
@@ -36,42 +19,58 @@ void writeMainSection(KFile& file, const KClass* cls, const std::function<void()
     writer.end();
 }
 
-bool readSections(KFile& file, const KClass* cls, const std::function<SectionResult(int32_t id)>& body)
+bool readSections(KFile& file, const KClass* cls, std::initializer_list<Section> sections)
 {
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, cls, &version, &sections);
     bool mainRead = false;
     bool failed = false;
-    int32_t id = 0;
-    while (reader.nextSection(&id)) {
-        int32_t sectionEnd = file.getPosition() + reader.getSectionSize();
-        SectionResult result = body(id);
-        if (result == SectionResult::Unknown) {
-            reader.skipSection();
-            continue;
-        }
-        if (!closeSection(file, sectionEnd) || result == SectionResult::Failed)
-            failed = true;
-        else if (id == 1)
-            mainRead = true;
+    std::vector<KClassReader::KnownSection> known;
+    known.reserve(sections.size());
+    for (const Section& section : sections) {
+        // The entry lives in `sections`, which outlasts the read.
+        auto readAndNote = [&, entry = &section](int32_t) {
+            if (!entry->read())
+                failed = true;
+            else if (entry->id == 1)
+                mainRead = true;
+        };
+        known.push_back({ section.id, readAndNote });
     }
-    reader.end();
+    KClassReader::readSections(file, cls, known);
     return mainRead && !failed && file.getError() == 0;
 }
 
 bool readMainSection(KFile& file, const KClass* cls, const std::function<bool()>& body)
 {
-    bool seen = false;
-    return readSections(file, cls, [&](int32_t id) {
-        // A second section 1 is not read over the first.
-        if (id != 1 || seen)
-            return SectionResult::Unknown;
-        seen = true;
-        return body() ? SectionResult::Read : SectionResult::Failed;
-    });
+    return readSections(file, cls, { { 1, body } });
 }
+
+void writeValue(KFile& file, int16_t value) { file.writeShort(value); }
+void writeValue(KFile& file, int32_t value) { file.writeLong(value); }
+void writeValue(KFile& file, float value) { file.writeFloat(value); }
+void readValue(KFile& file, int16_t& value) { value = file.readShort(); }
+void readValue(KFile& file, int32_t& value) { value = file.readLong(); }
+void readValue(KFile& file, float& value) { value = file.readFloat(); }
+
+template<class C>
+bool readPair(KFile& file, const KClass* cls, C& first, C& second)
+{
+    C newFirst {};
+    C newSecond {};
+    bool read = readMainSection(file, cls, [&] {
+        readValue(file, newFirst);
+        readValue(file, newSecond);
+        return file.getError() == 0;
+    });
+    if (read) {
+        first = newFirst;
+        second = newSecond;
+    }
+    return read;
+}
+
+template bool readPair<int16_t>(KFile&, const KClass*, int16_t&, int16_t&);
+template bool readPair<int32_t>(KFile&, const KClass*, int32_t&, int32_t&);
+template bool readPair<float>(KFile&, const KClass*, float&, float&);
 
 bool readNested(KFile& file, KThing& object)
 {

@@ -50,10 +50,11 @@ bool isOneOf(const KString& value, std::initializer_list<const char*> names)
     return false;
 }
 
-void reportUnsupported(const char* location, const KString& path)
+// The caption is the caller's signature and the file's name.
+void reportUnsupported(const KString& path, const KSourceLocation& where = KSourceLocation::current())
 {
-    KString text = KString(location) + leafName(path);
-    KErrorHandler::raiseError(KError::UnsupportedFormat, text.c_str());
+    KString caption = KString(where.function_name()) + " - " + leafName(path);
+    KErrorHandler::raiseErrorAt(KError::UnsupportedFormat, caption.c_str());
 }
 
 // The file type written for an extension; null for one not written.
@@ -73,7 +74,7 @@ const char* writtenType(const KString& extension)
 bool sizeAllocatable(int64_t width, int64_t height)
 {
     return width > 0 && height > 0 && width <= KNativeImageFile::kMaxSide && height <= KNativeImageFile::kMaxSide
-        && width * height <= KNativeImageFile::kMaxPixels;
+           && width * height <= KNativeImageFile::kMaxPixels;
 }
 
 // A record's bounds may ask for the bitmap to be stretched, but no further
@@ -179,7 +180,7 @@ bool KImage::hasImage() const { return device->hasNativeDevice(); }
 KNativeDevice* KImage::getNativeImage() const
 {
     if (!device->hasNativeDevice())
-        KErrorHandler::raiseError(KError::PointerNull, "KImage::getNativeImage()");
+        KErrorHandler::raiseError(KError::PointerNull);
     return device->getNativeDevice();
 }
 
@@ -191,29 +192,46 @@ void KImage::dispose()
 
 bool KImage::load(const KString& path)
 {
-    static constexpr const char* kLocation = "KImage::createFromFile(const KFileReference& Ref) - ";
     dispose();
     KString extension = upperExtension(path);
     if (!isOneOf(extension, { "BMP", "JPG", "JPEG", "PNG", "GIF", "TIF", "TIFF", "TGA", "XPM", "ICO" })) {
-        reportUnsupported(kLocation, path);
+        reportUnsupported(path);
         return false;
     }
     KNativeImageFile::Picture picture;
     if (!KNativeImageFile::read(KNativeImageFile::fileNameOf(path), picture)) {
-        reportUnsupported(kLocation, path);
+        reportUnsupported(path);
         return false;
     }
+    if (!takePicture(picture)) {
+        reportUnsupported(path);
+        return false;
+    }
+    return true;
+}
+
+bool KImage::takePicture(KNativeImageFile::Picture& picture)
+{
     setSize(KGraphicSize(int16_t(picture.width), int16_t(picture.height)));
     KPixelBuffer pixels;
-    if (!device->beginPixelAccess(pixels)) {
-        reportUnsupported(kLocation, path);
+    if (!device->beginPixelAccess(pixels))
         return false;
-    }
     for (int32_t y = 0; y < picture.height; ++y)
         std::memcpy(pixels.row(y), &picture.pixels[size_t(y) * size_t(picture.width)], size_t(picture.width) * 4);
     device->endPixelAccess(KWideRectangle(0, 0, picture.width, picture.height));
     if (!picture.alpha.empty())
         takeFileAlpha(picture.alpha, picture.width, picture.height);
+    return true;
+}
+
+bool KImage::createFromFileBytes(const void* bytes, size_t size)
+{
+    dispose();
+    KNativeImageFile::Picture picture;
+    if (!KNativeImageFile::readBytes(bytes, size, picture) || !takePicture(picture)) {
+        dispose();
+        return false;
+    }
     return true;
 }
 
@@ -269,9 +287,8 @@ void KImage::makeBlurredMask(uint16_t threshold)
 
 void KImage::smooth()
 {
-    replacePixels(bounds.width, bounds.height, [](const KPixelBuffer& in, const KPixelBuffer& out) {
-        KImageTransforms::smooth(in, out);
-    });
+    replacePixels(bounds.width, bounds.height,
+                  [](const KPixelBuffer& in, const KPixelBuffer& out) { KImageTransforms::smooth(in, out); });
 }
 
 void KImage::invert()
@@ -285,37 +302,32 @@ void KImage::invert()
 
 void KImage::flipHorizontal()
 {
-    replacePixels(bounds.width, bounds.height, [](const KPixelBuffer& in, const KPixelBuffer& out) {
-        KImageTransforms::flipHorizontal(in, out);
-    });
+    replacePixels(bounds.width, bounds.height,
+                  [](const KPixelBuffer& in, const KPixelBuffer& out) { KImageTransforms::flipHorizontal(in, out); });
 }
 
 void KImage::flipVertical()
 {
-    replacePixels(bounds.width, bounds.height, [](const KPixelBuffer& in, const KPixelBuffer& out) {
-        KImageTransforms::flipVertical(in, out);
-    });
+    replacePixels(bounds.width, bounds.height,
+                  [](const KPixelBuffer& in, const KPixelBuffer& out) { KImageTransforms::flipVertical(in, out); });
 }
 
 void KImage::rotateLeft()
 {
-    replacePixels(bounds.height, bounds.width, [](const KPixelBuffer& in, const KPixelBuffer& out) {
-        KImageTransforms::rotateLeft(in, out);
-    });
+    replacePixels(bounds.height, bounds.width,
+                  [](const KPixelBuffer& in, const KPixelBuffer& out) { KImageTransforms::rotateLeft(in, out); });
 }
 
 void KImage::rotateRight()
 {
-    replacePixels(bounds.height, bounds.width, [](const KPixelBuffer& in, const KPixelBuffer& out) {
-        KImageTransforms::rotateRight(in, out);
-    });
+    replacePixels(bounds.height, bounds.width,
+                  [](const KPixelBuffer& in, const KPixelBuffer& out) { KImageTransforms::rotateRight(in, out); });
 }
 
 void KImage::rotateHalf()
 {
-    replacePixels(bounds.width, bounds.height, [](const KPixelBuffer& in, const KPixelBuffer& out) {
-        KImageTransforms::rotateHalf(in, out);
-    });
+    replacePixels(bounds.width, bounds.height,
+                  [](const KPixelBuffer& in, const KPixelBuffer& out) { KImageTransforms::rotateHalf(in, out); });
 }
 
 void KImage::shearHorizontal(double factor)
@@ -355,7 +367,7 @@ bool KImage::writeToPath(const KString& path)
 {
     const char* type = writtenType(upperExtension(path));
     if (!type) {
-        reportUnsupported("KImage::writeToFile(const KFileReference& Ref) - ", path);
+        reportUnsupported(path);
         return false;
     }
     KPixelBuffer pixels;
@@ -435,7 +447,8 @@ bool KImage::readPayload(KFile& file)
 void KImage::decodeBitmap(const std::vector<uint8_t>& bytes, const KGraphicSize& size)
 {
     uint32_t total = 0, pixelOffset = 0;
-    if (bytes.size() < size_t(KBitmapCodec::kFileHeaderSize) || !KBitmapCodec::readFileHeader(bytes.data(), total, pixelOffset))
+    if (bytes.size() < size_t(KBitmapCodec::kFileHeaderSize)
+        || !KBitmapCodec::readFileHeader(bytes.data(), total, pixelOffset))
         return;
     if (total < uint32_t(KBitmapCodec::kFileHeaderSize) || total > bytes.size())
         return;

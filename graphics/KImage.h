@@ -7,7 +7,12 @@
 #include "kernel/KString.h"
 #include "kernel/KThingPtr.h"
 
+#include <cstddef>
 #include <vector>
+
+namespace KNativeImageFile {
+struct Picture;
+}
 
 // A bitmap that owns an off-screen device: anything that can be drawn on a
 // device can be drawn on an image. A new image is black. An image without a
@@ -28,7 +33,8 @@ public:
     KThing* deepCopy() const override;
 
     KGraphicRectangle getBounds() const override;
-    void drawRegion(KGraphicDevice& target, const KGraphicRectangle& source, const KGraphicRectangle& destination) override;
+    void drawRegion(KGraphicDevice& target, const KGraphicRectangle& source,
+                    const KGraphicRectangle& destination) override;
     void drawIn(KGraphicDevice& target, const KGraphicRectangle& destination) override;
     void drawAt(KGraphicDevice& target, const KGraphicPoint& p) override;
 
@@ -58,6 +64,10 @@ public:
     // extension, a file that cannot be read and a declared size beyond the
     // limits are reported as error 57 and leave the image empty.
     virtual bool createFromPath(const KString& path);
+    // Reads the bytes of an image file held in memory, of any format that
+    // createFromPath reads. False, with the image empty, for anything else;
+    // nothing is reported, so callers choose their own message.
+    virtual bool createFromFileBytes(const void* bytes, size_t size);
     // The image becomes a mask: white where every channel is at least the
     // threshold (65535: pure white only), black elsewhere; the blurred form
     // softens the edges.
@@ -101,6 +111,9 @@ protected:
     void replacePixels(int32_t width, int32_t height, Fill&& fill);
     // Reads the file into this image; failures are reported as error 57.
     bool load(const KString& path);
+    // Makes the decoded picture this image's bitmap; false when no bitmap
+    // of its size can be had.
+    bool takePicture(KNativeImageFile::Picture& picture);
     // The record's parts.
     bool readPayload(KFile& file);
     void writeBitmap(KFile& file);

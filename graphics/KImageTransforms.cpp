@@ -144,7 +144,7 @@ void thresholdMask(const KPixelBuffer& in, const KPixelBuffer& out, uint16_t thr
         for (int32_t x = 0; x < in.width; ++x) {
             uint32_t p = source[x];
             bool white = channel(p, 16) * 257 >= threshold && channel(p, 8) * 257 >= threshold
-                && channel(p, 0) * 257 >= threshold;
+                         && channel(p, 0) * 257 >= threshold;
             target[x] = white ? KPixelBuffer::kColourBits : 0;
         }
     }

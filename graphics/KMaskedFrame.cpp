@@ -123,7 +123,8 @@ void KMaskedFrame::drawRow(uint32_t* target, int32_t y, int32_t x, int32_t from,
     }
 }
 
-KWideRectangle KMaskedFrame::drawInto(const KPixelBuffer& target, int32_t x, int32_t y, const KWideRectangle& clip) const
+KWideRectangle KMaskedFrame::drawInto(const KPixelBuffer& target, int32_t x, int32_t y,
+                                      const KWideRectangle& clip) const
 {
     KWideRectangle area(x, y, width, height);
     area.intersectWith(clip);
@@ -148,12 +149,13 @@ bool KMaskedFrame::prepare(KAlphaImage& image)
     KImage* mask = image.getMask();
     if (mask && !mask->hasImage())
         mask = nullptr;
-    if (image.getBlendMode() != KAlphaImage::Masked || !image.hasImage() || (mask && mask->getSize() != image.getSize()))
+    if (image.getBlendMode() != KAlphaImage::Masked || !image.hasImage()
+        || (mask && mask->getSize() != image.getSize()))
         return false;
     KGraphicDevice& imageDevice = image.getDevice();
     uint32_t maskNow = mask ? mask->getDevice().getChangeCount() : 0;
     bool current = builtImage.get() == &image && builtMask.get() == mask && imageChanges == imageDevice.getChangeCount()
-        && maskChanges == maskNow;
+                   && maskChanges == maskNow;
     if (current)
         return width > 0;
     KPixelBuffer imagePixels, maskPixels;
@@ -172,8 +174,7 @@ bool KMaskedFrame::prepare(KAlphaImage& image)
 
 bool KMaskedFrame::drawTo(KGraphicDevice& target, const KGraphicPoint& at) const
 {
-    if (width == 0 || !target.hasPixelAccess()
-        || target.getNativeDevice()->getFormat() != KNativeDevice::Format::Rgb24)
+    if (width == 0 || !target.hasPixelAccess() || target.getNativeDevice()->getFormat() != KNativeDevice::Format::Rgb24)
         return false;
     KPixelBuffer pixels;
     if (!target.beginPixelAccess(pixels))

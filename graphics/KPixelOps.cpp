@@ -128,10 +128,7 @@ inline __m128i divide255Lanes(__m128i x)
 }
 
 // Each pixel's alpha (the fourth lane) in all four of its lanes.
-inline __m128i spreadAlpha(__m128i pixels)
-{
-    return _mm_shufflehi_epi16(_mm_shufflelo_epi16(pixels, 0xFF), 0xFF);
-}
+inline __m128i spreadAlpha(__m128i pixels) { return _mm_shufflehi_epi16(_mm_shufflelo_epi16(pixels, 0xFF), 0xFF); }
 
 #endif
 
@@ -171,7 +168,7 @@ inline uint32_t overPixel(uint32_t p, uint32_t q, uint32_t alpha)
         return q;
     uint32_t ia = 255 - a;
     return ((p & KPixelBuffer::kColourBits) + scaleRedBlue(q, ia) + (scaleAlphaGreen(q, ia) & kGreen))
-        & KPixelBuffer::kColourBits;
+           & KPixelBuffer::kColourBits;
 }
 
 #if defined(__x86_64__) && defined(__GNUC__)
@@ -190,7 +187,8 @@ __attribute__((target("avx2"), always_inline)) inline __m256i spreadWide(__m256i
     return _mm256_shufflehi_epi16(_mm256_shufflelo_epi16(x, 0xFF), 0xFF);
 }
 
-__attribute__((target("avx2"))) int32_t blendPremultipliedWide(uint32_t* d, const uint32_t* s, int32_t n, uint32_t alpha)
+__attribute__((target("avx2"))) int32_t blendPremultipliedWide(uint32_t* d, const uint32_t* s, int32_t n,
+                                                               uint32_t alpha)
 {
     const __m256i zero = _mm256_setzero_si256();
     const __m256i full = _mm256_set1_epi16(255);
@@ -215,8 +213,10 @@ __attribute__((target("avx2"))) int32_t blendPremultipliedWide(uint32_t* d, cons
             sLow = divideWide(_mm256_mullo_epi16(sLow, constant));
             sHigh = divideWide(_mm256_mullo_epi16(sHigh, constant));
         }
-        __m256i dLow = divideWide(_mm256_mullo_epi16(_mm256_unpacklo_epi8(dst, zero), _mm256_sub_epi16(full, spreadWide(sLow))));
-        __m256i dHigh = divideWide(_mm256_mullo_epi16(_mm256_unpackhi_epi8(dst, zero), _mm256_sub_epi16(full, spreadWide(sHigh))));
+        __m256i dLow
+            = divideWide(_mm256_mullo_epi16(_mm256_unpacklo_epi8(dst, zero), _mm256_sub_epi16(full, spreadWide(sLow))));
+        __m256i dHigh = divideWide(
+            _mm256_mullo_epi16(_mm256_unpackhi_epi8(dst, zero), _mm256_sub_epi16(full, spreadWide(sHigh))));
         __m256i result = _mm256_packus_epi16(_mm256_add_epi16(sLow, dLow), _mm256_add_epi16(sHigh, dHigh));
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(d + i), _mm256_and_si256(result, colourBits));
     }
@@ -262,8 +262,10 @@ void blendPremultipliedRow(uint32_t* d, const uint32_t* s, int32_t n, uint32_t a
             sLow = divide255Lanes(_mm_mullo_epi16(sLow, constant));
             sHigh = divide255Lanes(_mm_mullo_epi16(sHigh, constant));
         }
-        __m128i dLow = divide255Lanes(_mm_mullo_epi16(_mm_unpacklo_epi8(dst, zero), _mm_sub_epi16(full, spreadAlpha(sLow))));
-        __m128i dHigh = divide255Lanes(_mm_mullo_epi16(_mm_unpackhi_epi8(dst, zero), _mm_sub_epi16(full, spreadAlpha(sHigh))));
+        __m128i dLow
+            = divide255Lanes(_mm_mullo_epi16(_mm_unpacklo_epi8(dst, zero), _mm_sub_epi16(full, spreadAlpha(sLow))));
+        __m128i dHigh
+            = divide255Lanes(_mm_mullo_epi16(_mm_unpackhi_epi8(dst, zero), _mm_sub_epi16(full, spreadAlpha(sHigh))));
         __m128i result = _mm_packus_epi16(_mm_add_epi16(sLow, dLow), _mm_add_epi16(sHigh, dHigh));
         _mm_storeu_si128(reinterpret_cast<__m128i*>(d + i), _mm_and_si128(result, colourBits));
     }

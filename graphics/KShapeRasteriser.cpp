@@ -1,7 +1,6 @@
 #include "graphics/KShapeRasteriser.h"
 
 #include "graphics/KGraphicRegion.h"
-#include "graphics/KRectangleMath.h"
 
 #include <algorithm>
 #include <cmath>
@@ -97,7 +96,7 @@ RowSpan roundRow(const KWideRectangle& r, int32_t diameter, int32_t j)
 KWideRectangle shrunk(const KWideRectangle& r, int32_t pen)
 {
     KWideRectangle inner = r;
-    KRectangleMath::shrink(inner, pen, pen);
+    inner.shrink(pen, pen);
     if (pen * 2 >= r.width || pen * 2 >= r.height)
         inner.set(r.x, r.y, 0, 0);
     return inner;

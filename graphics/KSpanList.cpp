@@ -14,9 +14,8 @@ void KSpanList::normalise()
 {
     if (spans.size() < 2)
         return;
-    std::sort(spans.begin(), spans.end(), [](const KSpan& a, const KSpan& b) {
-        return a.y != b.y ? a.y < b.y : a.x0 < b.x0;
-    });
+    std::sort(spans.begin(), spans.end(),
+              [](const KSpan& a, const KSpan& b) { return a.y != b.y ? a.y < b.y : a.x0 < b.x0; });
     size_t out = 0;
     for (size_t i = 1; i < spans.size(); ++i) {
         KSpan& last = spans[out];

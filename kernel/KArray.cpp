@@ -103,7 +103,7 @@ void KArray::setSize(int32_t n)
     if (n == size)
         return;
     if (n < 0) {
-        KErrorHandler::raiseError(KError::ParameterError, "KArray::setSize(long N)");
+        KErrorHandler::raiseError(KError::ParameterError);
         return;
     }
     if (n == 0) {
@@ -160,23 +160,22 @@ int32_t KArray::getSize() const { return size; }
 
 bool KArray::isEmpty() const { return size == 0; }
 
-bool KArray::checkRange(int32_t pos, const char* location) const
+bool KArray::checkRange(int32_t pos, const KSourceLocation& where) const
 {
     if (pos >= 0 && pos < size)
         return true;
-    KErrorHandler::raiseError(KError::IndexOutOfRange, location);
+    KErrorHandler::raiseError(KError::IndexOutOfRange, where);
     return false;
 }
 
-bool KArray::acceptsObject(const KThing& obj) const
+bool KArray::acceptsObject(const KThing& obj, const KSourceLocation& where) const
 {
-    static constexpr const char* location = "KArray::putAt(const KThing& Obj,long Pos)";
     if (isDirect) {
-        KErrorHandler::raiseError(KError::ArrayIsDirect, location);
+        KErrorHandler::raiseError(KError::ArrayIsDirect, where);
         return false;
     }
     if (!obj.isOnHeap()) {
-        KErrorHandler::raiseError(KError::ObjectNotOnHeap, location);
+        KErrorHandler::raiseError(KError::ObjectNotOnHeap, where);
         return false;
     }
     return true;
@@ -186,7 +185,7 @@ void KArray::putAt(const KThingPtr& ptr, int32_t pos) { putAt(ptr.getObject(), p
 
 void KArray::putAt(KThing& obj, int32_t pos)
 {
-    if (!checkRange(pos, "KArray::putAt(const KThing& Obj,long Pos)") || !acceptsObject(obj))
+    if (!checkRange(pos) || !acceptsObject(obj))
         return;
     KThing*& slot = objectSlots()[pos];
     if (slot == &obj)
@@ -201,7 +200,7 @@ void KArray::putAt(KThing& obj, int32_t pos)
 
 void KArray::resetAt(int32_t pos)
 {
-    if (!checkRange(pos, "KArray::resetAt(long Pos)"))
+    if (!checkRange(pos))
         return;
     if (isDirect) {
         directSlots()[pos] = 0;
@@ -215,11 +214,10 @@ void KArray::resetAt(int32_t pos)
 
 void KArray::putDirectDataAt(int32_t value, int32_t pos)
 {
-    static constexpr const char* location = "KArray::putDirectDataAt(void* Val,long Pos)";
-    if (!checkRange(pos, location))
+    if (!checkRange(pos))
         return;
     if (!isDirect) {
-        KErrorHandler::raiseError(KError::ArrayIsNotDirect, location);
+        KErrorHandler::raiseError(KError::ArrayIsNotDirect);
         return;
     }
     directSlots()[pos] = value;
@@ -252,7 +250,7 @@ void KArray::zeroSlot(int32_t pos)
 void KArray::setIsDirect(bool direct)
 {
     if (size != 0) {
-        KErrorHandler::raiseError(KError::ArrayInUse, "KArray::setIsDirect");
+        KErrorHandler::raiseError(KError::ArrayInUse);
         return;
     }
     isDirect = direct;
@@ -260,15 +258,14 @@ void KArray::setIsDirect(bool direct)
 
 KThing& KArray::operator[](int32_t pos) const
 {
-    static constexpr const char* location = "KArray::operator[]";
     // A reference cannot be null, so these failures never return.
     if (pos < 0 || pos >= size)
-        KErrorHandler::raiseUnrecoverable(KError::IndexOutOfRange, location);
+        KErrorHandler::raiseUnrecoverable(KError::IndexOutOfRange);
     if (isDirect)
-        KErrorHandler::raiseUnrecoverable(KError::ArrayIsDirect, location);
+        KErrorHandler::raiseUnrecoverable(KError::ArrayIsDirect);
     KThing* element = objectSlots()[pos];
     if (!element)
-        KErrorHandler::raiseUnrecoverable(KError::NoObject, location);
+        KErrorHandler::raiseUnrecoverable(KError::NoObject);
     return *element;
 }
 
@@ -283,11 +280,10 @@ KThing* KArray::getAt(int32_t pos) const
 
 int32_t KArray::getDirectDataAt(int32_t pos) const
 {
-    static constexpr const char* location = "KArray::getDirectDataAt(long Pos)";
-    if (!checkRange(pos, location))
+    if (!checkRange(pos))
         return 0;
     if (!isDirect) {
-        KErrorHandler::raiseError(KError::ArrayIsNotDirect, location);
+        KErrorHandler::raiseError(KError::ArrayIsNotDirect);
         return 0;
     }
     return directSlots()[pos];
@@ -295,10 +291,10 @@ int32_t KArray::getDirectDataAt(int32_t pos) const
 
 void KArray::move(int32_t from, int32_t to, int32_t moveSize)
 {
-    bool inRange = from >= 0 && from < size && to >= 0 && to < size && moveSize > 0
-        && int64_t(to) + moveSize <= size && int64_t(from) + moveSize <= size;
+    bool inRange = from >= 0 && from < size && to >= 0 && to < size && moveSize > 0 && int64_t(to) + moveSize <= size
+                   && int64_t(from) + moveSize <= size;
     if (!inRange) {
-        KErrorHandler::raiseError(KError::IndexOutOfRange, "KArray::move(long From, long To, long MoveSize)");
+        KErrorHandler::raiseError(KError::IndexOutOfRange);
         return;
     }
     // KMemory::copy tolerates overlap, which is what a temporary buffer buys.
@@ -308,8 +304,7 @@ void KArray::move(int32_t from, int32_t to, int32_t moveSize)
 
 void KArray::swap(int32_t from, int32_t to)
 {
-    static constexpr const char* location = "KArray::swap(long From, long To)";
-    if (!checkRange(from, location) || !checkRange(to, location))
+    if (!checkRange(from) || !checkRange(to))
         return;
     rawSwap(from, to);
 }
@@ -329,7 +324,7 @@ bool KArray::has(const KThingPtr& ptr, int32_t* pos) const { return has(ptr.get(
 bool KArray::has(const KThing* obj, int32_t* pos) const
 {
     if (isDirect) {
-        KErrorHandler::raiseError(KError::ArrayIsDirect, "KArray::has(const KThing& Obj)");
+        KErrorHandler::raiseError(KError::ArrayIsDirect);
         return false;
     }
     int32_t count = std::min(getSize(), size);
@@ -353,7 +348,7 @@ int32_t KArray::findIndexOf(const KThingPtr& ptr) const
 int32_t KArray::findIndexOf(const KThing& obj) const
 {
     if (isDirect) {
-        KErrorHandler::raiseError(KError::ArrayIsDirect, "KArray::findIndexOf(const KThing& Obj)");
+        KErrorHandler::raiseError(KError::ArrayIsDirect);
         return -1;
     }
     int32_t count = std::min(getSize(), size);
@@ -370,7 +365,7 @@ int32_t KArray::findIndexOf(const KThing& obj) const
 void KArray::sort()
 {
     if (!compareProc && !checkSortable()) {
-        KErrorHandler::raiseError(KError::NoCompareProc, "KArray::sort()");
+        KErrorHandler::raiseError(KError::NoCompareProc);
         return;
     }
     quickSort(0, size);
@@ -473,9 +468,6 @@ void KArray::quickSort(int32_t lo, int32_t hi)
 
 namespace {
 
-constexpr const char* kReadLocation = "void KArray::readFromFile(KFile& F)";
-constexpr const char* kWriteLocation = "void KArray::writeToFile(KFile& F, long Ver)";
-
 // Raw values go to and from the file in blocks of this many slots.
 constexpr int32_t kDirectBlock = 4096;
 
@@ -508,7 +500,7 @@ void KArray::writeToFile(KFile& file, int32_t)
         writeDirectSlots(file);
     } else {
         for (int32_t i = 0; i < size; ++i)
-            KClassWriter::writeObject(file, objectSlots()[i], kWriteLocation);
+            KClassWriter::writeObject(file, objectSlots()[i]);
     }
     writer.end();
 }
@@ -576,7 +568,7 @@ void KArray::readObjectSlots(KFile& file)
     int32_t position = 0;
     for (int32_t i = 0; i < count && !file.getError(); ++i) {
         KThingPtr element;
-        switch (KStreamReading::readObject(file, element, kReadLocation)) {
+        switch (KStreamReading::readObject(file, element)) {
         case KClassReader::ObjectRead:
             putAt(element.getObject(), position++);
             break;

@@ -2,6 +2,8 @@
 
 #include "kernel/KThing.h"
 
+#include "kernel/KSourceLocation.h"
+
 // A fixed number of slots holding either counted objects or raw 32-bit
 // values. Object slots keep a reference: storing adds one to the object's
 // count, clearing releases it. Every object handed to an array must live on
@@ -94,9 +96,10 @@ public:
     void setNulledOnRead(int32_t count) { nulledOnRead = count; }
 
 protected:
-    // Raises what putAt would for an object that cannot be stored here.
-    bool acceptsObject(const KThing& obj) const;
-    bool checkRange(int32_t pos, const char* location) const;
+    // Raise what putAt would for an object or position that cannot be
+    // stored to, with the caller as location.
+    bool acceptsObject(const KThing& obj, const KSourceLocation& where = KSourceLocation::current()) const;
+    bool checkRange(int32_t pos, const KSourceLocation& where = KSourceLocation::current()) const;
     // Zeroes a slot without releasing what it held (after a move).
     void zeroSlot(int32_t pos);
     // Fills `target` (already sized and set up) with deep copies of the
@@ -108,6 +111,8 @@ protected:
 private:
     KThing** objectSlots() const { return static_cast<KThing**>(data); }
     int32_t* directSlots() const { return static_cast<int32_t*>(data); }
+    // A slot holds a pointer, not the object.
+    // NOLINTNEXTLINE(bugprone-sizeof-expression): the pointer's size is meant
     size_t slotBytes() const { return isDirect ? sizeof(int32_t) : sizeof(KThing*); }
     bool reallocate(int32_t slots, int32_t keep);
     void releaseStorage();

@@ -66,11 +66,11 @@ bool KBag::isEmpty() const { return usedSize == 0; }
 void KBag::setGrowSize(int32_t grow)
 {
     if (usedSize >= 1) {
-        KErrorHandler::raiseError(KError::BagCannotChangeGrowSize, "KBag::setGrowSize");
+        KErrorHandler::raiseError(KError::BagCannotChangeGrowSize);
         return;
     }
     if (grow <= 0) {
-        KErrorHandler::raiseError(KError::ParameterError, "KBag::setGrowSize");
+        KErrorHandler::raiseError(KError::ParameterError);
         return;
     }
     growSize = grow;
@@ -79,11 +79,11 @@ void KBag::setGrowSize(int32_t grow)
 void KBag::setMinSize(int32_t min)
 {
     if (usedSize >= 1) {
-        KErrorHandler::raiseError(KError::BagCannotChangeGrowSize, "KBag::setMinSize");
+        KErrorHandler::raiseError(KError::BagCannotChangeGrowSize);
         return;
     }
     if (min < 0) {
-        KErrorHandler::raiseError(KError::ParameterError, "KBag::setMinSize");
+        KErrorHandler::raiseError(KError::ParameterError);
         return;
     }
     minSize = min;
@@ -113,7 +113,7 @@ void KBag::add(KThing& obj)
 void KBag::addDirectData(int32_t value)
 {
     if (!getIsDirect()) {
-        KErrorHandler::raiseError(KError::ArrayIsNotDirect, "KArray::putDirectDataAt(void* Val,long Pos)");
+        KErrorHandler::raiseError(KError::ArrayIsNotDirect);
         return;
     }
     growIfFull();
@@ -140,9 +140,8 @@ void KBag::insertAt(const KThingPtr& ptr, int32_t pos) { insertAt(ptr.getObject(
 
 void KBag::insertAt(KThing& obj, int32_t pos)
 {
-    static constexpr const char* location = "KBag::insertAt(const KThing& Obj,long Pos)";
     if (pos < 0 || pos > usedSize) {
-        KErrorHandler::raiseError(KError::IndexOutOfRange, location);
+        KErrorHandler::raiseError(KError::IndexOutOfRange);
         return;
     }
     if (!acceptsObject(obj) || !openSlot(pos))
@@ -153,13 +152,12 @@ void KBag::insertAt(KThing& obj, int32_t pos)
 
 void KBag::insertDirectDataAt(int32_t value, int32_t pos)
 {
-    static constexpr const char* location = "KBag::insertDirectDataAt(void* D,long Pos)";
     if (pos < 0 || pos > usedSize) {
-        KErrorHandler::raiseError(KError::IndexOutOfRange, location);
+        KErrorHandler::raiseError(KError::IndexOutOfRange);
         return;
     }
     if (!getIsDirect()) {
-        KErrorHandler::raiseError(KError::ArrayIsNotDirect, "KArray::putDirectDataAt(void* Val,long Pos)");
+        KErrorHandler::raiseError(KError::ArrayIsNotDirect);
         return;
     }
     if (!openSlot(pos))
@@ -171,7 +169,7 @@ void KBag::insertDirectDataAt(int32_t value, int32_t pos)
 void KBag::removeAt(int32_t pos)
 {
     if (pos < 0 || pos >= usedSize) {
-        KErrorHandler::raiseError(KError::IndexOutOfRange, "KBag::removeAt(long Pos)");
+        KErrorHandler::raiseError(KError::IndexOutOfRange);
         return;
     }
     resetAt(pos);

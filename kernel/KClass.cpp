@@ -46,7 +46,7 @@ KClass::~KClass()
 KClass* KClass::checkedRecord(KClass* record)
 {
     if (!record)
-        KErrorHandler::raiseError(KError::PointerNull, "getClass()");
+        KErrorHandler::raiseError(KError::PointerNull);
     return record;
 }
 
@@ -61,7 +61,7 @@ int32_t KClass::computeClassID(const char* name)
 KClass* KClass::registerClass(const char* name, KClass* superClass, KCreateProc create, int32_t version)
 {
     if (gHead && !superClass) {
-        KErrorHandler::raiseError(KError::ClassNotRegistered, "KClass::registerClass");
+        KErrorHandler::raiseError(KError::ClassNotRegistered);
         return nullptr;
     }
     auto* record = new KClass();
@@ -83,12 +83,12 @@ KClass* KClass::registerClass(const char* name, KClass* superClass, KCreateProc 
 void KClass::generateClassID()
 {
     if (classID != 0) {
-        KErrorHandler::raiseError(KError::ClassAlreadyRegistered, "KClass::generateClassID");
+        KErrorHandler::raiseError(KError::ClassAlreadyRegistered);
         return;
     }
     int32_t id = computeClassID(className);
     if (hasClass(id)) {
-        KErrorHandler::raiseError(KError::ClassNameCollision, "KClass::generateClassID");
+        KErrorHandler::raiseError(KError::ClassNameCollision);
         return;
     }
     classID = id;
@@ -127,8 +127,9 @@ KClass* KClass::findClass(const char* name)
     KClass* found = nullptr;
     if (name && hasClass(name, &found))
         return found;
-    std::string location = std::string("KClass::findClass(") + (name ? name : "") + ")";
-    KErrorHandler::raiseError(KError::ClassNotRegistered, location.c_str());
+    // The caption names the class that was asked for.
+    std::string caption = std::string(KSourceLocation::current().function_name()) + " - " + (name ? name : "");
+    KErrorHandler::raiseErrorAt(KError::ClassNotRegistered, caption.c_str());
     return nullptr;
 }
 
@@ -138,7 +139,7 @@ KClass* KClass::findClass(KCreateProc create)
         if (c->createProc == create)
             return c;
     }
-    KErrorHandler::raiseError(KError::ClassNotRegistered, "KClass::findClass(KCreateProc P)");
+    KErrorHandler::raiseError(KError::ClassNotRegistered);
     return nullptr;
 }
 
@@ -147,7 +148,7 @@ KClass* KClass::findClass(int32_t id)
     KClass* found = nullptr;
     if (hasClass(id, &found))
         return found;
-    KErrorHandler::raiseError(KError::ClassNotRegistered, "KClass::findClass(long ID)");
+    KErrorHandler::raiseError(KError::ClassNotRegistered);
     return nullptr;
 }
 
@@ -167,7 +168,7 @@ void KClass::unregisterAll()
 KThing* KClass::createObject() const
 {
     if (!createProc) {
-        KErrorHandler::raiseError(KError::CreateProcNull, "KClass::createObject()");
+        KErrorHandler::raiseError(KError::CreateProcNull);
         return nullptr;
     }
     return createProc();
@@ -176,7 +177,7 @@ KThing* KClass::createObject() const
 bool KClass::isEqual(const KClass* other) const
 {
     if (!other || classID == 0) {
-        KErrorHandler::raiseError(KError::ClassNotRegistered, "bool KClass::isEqual(const KClass& C) const");
+        KErrorHandler::raiseError(KError::ClassNotRegistered);
         return false;
     }
     return classID == other->classID;
@@ -185,7 +186,7 @@ bool KClass::isEqual(const KClass* other) const
 bool KClass::isSubClass(const KClass* other) const
 {
     if (!other) {
-        KErrorHandler::raiseError(KError::ClassNotRegistered, "bool KClass::isSubClass(const KClass& C) const");
+        KErrorHandler::raiseError(KError::ClassNotRegistered);
         return false;
     }
     for (const KClass* c = superClass; c; c = c->superClass) {
@@ -198,7 +199,7 @@ bool KClass::isSubClass(const KClass* other) const
 bool KClass::isSuperClass(const KClass* other) const
 {
     if (!other) {
-        KErrorHandler::raiseError(KError::ClassNotRegistered, "bool KClass::isSuperClass(const KClass& C) const");
+        KErrorHandler::raiseError(KError::ClassNotRegistered);
         return false;
     }
     return other->isSubClass(this);

@@ -6,16 +6,16 @@
 #include "kernel/KFile.h"
 #include "kernel/KThingPtr.h"
 
+#include <algorithm>
+#include <vector>
+
 namespace {
 
 constexpr int32_t kSectionHeadSize = 8;
 
 // Classes whose objects can come out of a stream: roots registered by name
 // only make bare KThing objects, which cannot read themselves.
-bool isCreatable(const KClass* cls)
-{
-    return cls->getCreateProc() && cls->getCreateProc() != &KThing::create;
-}
+bool isCreatable(const KClass* cls) { return cls->getCreateProc() && cls->getCreateProc() != &KThing::create; }
 
 class ObjectDepthGuard {
 public:
@@ -25,7 +25,7 @@ public:
     ObjectDepthGuard& operator=(const ObjectDepthGuard&) = delete;
 };
 
-KClassReader::ObjectResult skipUnknownObject(KFile& file, const char* location)
+KClassReader::ObjectResult skipUnknownObject(KFile& file, const KSourceLocation& where)
 {
     switch (KClassStreamState::unknownClassPolicy()) {
     case KClassStreamState::KeepNullSlot:
@@ -34,7 +34,7 @@ KClassReader::ObjectResult skipUnknownObject(KFile& file, const char* location)
         KClassStreamState::countNulledObject();
         return KClassReader::NulledObject;
     case KClassStreamState::FatalError:
-        KErrorHandler::raiseError(KError::ClassNotRegistered, location);
+        KErrorHandler::raiseError(KError::ClassNotRegistered, where);
         return KClassReader::ReadFailed;
     default:
         if (!KClassReader::skipClass(file))
@@ -51,7 +51,7 @@ K_DEFINE_CLASS(KClassReader, KThing)
 KClassReader::~KClassReader()
 {
     if (file)
-        KErrorHandler::raiseError(KError::FileIsOpen, "KClassReader::~KClassReader()");
+        KErrorHandler::raiseError(KError::FileIsOpen);
 }
 
 void KClassReader::fail(int32_t code)
@@ -71,7 +71,7 @@ void KClassReader::countIgnoredData()
 bool KClassReader::begin(KFile& source, const KClass* cls, int32_t* version, int32_t* sections)
 {
     if (!cls) {
-        KErrorHandler::raiseError(KError::PointerNull, "KClassReader::begin");
+        KErrorHandler::raiseError(KError::PointerNull);
         file = &source;
         sectionsLeft = 0;
         if (version)
@@ -103,7 +103,7 @@ bool KClassReader::begin(KFile& source, int32_t classID, int32_t* version, int32
         return false;
     if (id != classID) {
         if (KClassStreamState::unknownClassPolicy() == KClassStreamState::FatalError) {
-            KErrorHandler::raiseError(KError::ClassIDMismatch, "KClassReader::begin");
+            KErrorHandler::raiseError(KError::ClassIDMismatch);
         } else {
             KClassStreamState::countDroppedObject();
             return false;
@@ -133,7 +133,7 @@ bool KClassReader::nextSection(int32_t* id)
 {
     *id = -1;
     if (!file) {
-        KErrorHandler::raiseError(KError::PointerNull, "KClassReader::nextSection");
+        KErrorHandler::raiseError(KError::PointerNull);
         return false;
     }
     if (sectionsLeft <= 0 || file->getError()) {
@@ -173,7 +173,7 @@ int32_t KClassReader::sectionBytesLeft() const
 void KClassReader::skipSection()
 {
     if (!file) {
-        KErrorHandler::raiseError(KError::PointerNull, "KClassReader::skipSection");
+        KErrorHandler::raiseError(KError::PointerNull);
         return;
     }
     if (sectionID == -1)
@@ -185,7 +185,7 @@ void KClassReader::skipSection()
 void KClassReader::end()
 {
     if (!file) {
-        KErrorHandler::raiseError(KError::PointerNull, "KClassReader::end");
+        KErrorHandler::raiseError(KError::PointerNull);
         return;
     }
     if (sectionsLeft > 0) {
@@ -194,6 +194,40 @@ void KClassReader::end()
         countIgnoredData();
     }
     file = nullptr;
+}
+
+void KClassReader::finishSection(int32_t sectionEnd)
+{
+    if (file->getError())
+        return;
+    int32_t position = file->getPosition();
+    if (position > sectionEnd)
+        file->setError(KError::CouldNotReadFile);
+    else if (position < sectionEnd)
+        skipSection();
+}
+
+void KClassReader::readSections(KFile& file, const KClass* cls, std::span<const KnownSection> known)
+{
+    KClassReader reader;
+    reader.begin(file, cls, nullptr, nullptr);
+    // Section numbers already read; a repeated one is not read over the first.
+    std::vector<int32_t> read;
+    int32_t id = 0;
+    while (reader.nextSection(&id)) {
+        auto entry = std::find_if(known.begin(), known.end(), [&](const KnownSection& s) { return s.id == id; });
+        int32_t payload = reader.getSectionSize();
+        bool repeated = std::find(read.begin(), read.end(), id) != read.end();
+        if (entry == known.end() || payload < entry->minimumSize || repeated) {
+            reader.skipSection();
+            continue;
+        }
+        read.push_back(id);
+        int32_t end = file.getPosition() + payload;
+        entry->read(payload);
+        reader.finishSection(end);
+    }
+    reader.end();
 }
 
 bool KClassReader::skipClass(KFile& file)
@@ -216,8 +250,8 @@ bool KClassReader::skipClass(KFile& file)
     return file.getError() == 0;
 }
 
-KClassReader::ObjectResult KClassReader::readObject(KFile& file, KThingPtr& out, const char* location,
-                                                    const KClass* expected)
+KClassReader::ObjectResult KClassReader::readObject(KFile& file, KThingPtr& out, const KClass* expected,
+                                                    const KSourceLocation& where)
 {
     out.clear();
     int32_t id = file.readLong();
@@ -227,7 +261,7 @@ KClassReader::ObjectResult KClassReader::readObject(KFile& file, KThingPtr& out,
         return NullObject;
     KClass* cls = nullptr;
     if (!KClass::hasClass(id, &cls) || !isCreatable(cls))
-        return skipUnknownObject(file, location);
+        return skipUnknownObject(file, where);
     bool fits = !expected || cls->isEqualOrSubClass(expected);
     if (!fits || KClassStreamState::objectDepth() >= KClassStreamState::kMaxObjectDepth) {
         file.setError(KError::CouldNotReadFile);

@@ -9,8 +9,8 @@ class KClassStreamState {
 public:
     enum UnknownClassPolicy : int32_t {
         KeepNullSlot = 0, // the element stays as a null slot
-        DropObject = 1,   // the element is left out
-        FatalError = 2,   // code 28 (or 31 on a class id mismatch)
+        DropObject = 1, // the element is left out
+        FatalError = 2, // code 28 (or 31 on a class id mismatch)
     };
 
     // Nesting of polymorphic objects deeper than this is taken for damage: a

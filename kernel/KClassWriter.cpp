@@ -9,13 +9,13 @@ K_DEFINE_CLASS(KClassWriter, KThing)
 KClassWriter::~KClassWriter()
 {
     if (file)
-        KErrorHandler::raiseError(KError::FileIsOpen, "KClassWriter::~KClassWriter()");
+        KErrorHandler::raiseError(KError::FileIsOpen);
 }
 
 void KClassWriter::begin(KFile& target, const KClass* cls)
 {
     if (!cls) {
-        KErrorHandler::raiseError(KError::PointerNull, "KClassWriter::begin");
+        KErrorHandler::raiseError(KError::PointerNull);
         return;
     }
     begin(target, cls->getClassID(), cls->getVersion());
@@ -52,7 +52,7 @@ void KClassWriter::patchSection()
 void KClassWriter::newSection(int32_t id)
 {
     if (!file) {
-        KErrorHandler::raiseError(KError::PointerNull, "KClassWriter::newSection");
+        KErrorHandler::raiseError(KError::PointerNull);
         return;
     }
     patchSection();
@@ -67,7 +67,7 @@ void KClassWriter::newSection(int32_t id)
 void KClassWriter::end()
 {
     if (!file) {
-        KErrorHandler::raiseError(KError::PointerNull, "KClassWriter::end");
+        KErrorHandler::raiseError(KError::PointerNull);
         return;
     }
     patchSection();
@@ -81,7 +81,7 @@ void KClassWriter::end()
     file = nullptr;
 }
 
-void KClassWriter::writeObject(KFile& file, KThing* object, const char* location)
+void KClassWriter::writeObject(KFile& file, KThing* object, const KSourceLocation& where)
 {
     if (!object) {
         file.writeLong(0);
@@ -89,7 +89,7 @@ void KClassWriter::writeObject(KFile& file, KThing* object, const char* location
     }
     KClass* cls = object->getClass();
     if (!cls) {
-        KErrorHandler::raiseError(KError::ClassNotRegistered, location);
+        KErrorHandler::raiseError(KError::ClassNotRegistered, where);
         file.writeLong(0);
         return;
     }

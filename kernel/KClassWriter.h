@@ -2,6 +2,8 @@
 
 #include "kernel/KThing.h"
 
+#include "kernel/KSourceLocation.h"
+
 // Frames one class of an object as a class stream: class id, class version,
 // body size, section count, then numbered sections that each carry their own
 // length, so that a reader can skip what it does not know. The sizes are
@@ -33,9 +35,9 @@ public:
 
     // The object reference convention: the class id of the object's most
     // derived class, 0 for null, then the object's own writeToFile(F, 1).
-    // An object without a class raises code 28 with `location` and is
-    // written as null.
-    static void writeObject(KFile& file, KThing* object, const char* location);
+    // An object without a class raises code 28 with the caller as location
+    // and is written as null.
+    static void writeObject(KFile& file, KThing* object, const KSourceLocation& where = KSourceLocation::current());
 
 private:
     void patchSection();

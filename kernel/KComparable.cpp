@@ -6,16 +6,16 @@
 K_DEFINE_ABSTRACT_CLASS(KComparable, KThing)
 
 namespace {
-bool notOverridden(const char* location)
+bool notOverridden(const KSourceLocation& where = KSourceLocation::current())
 {
-    KErrorHandler::raiseError(KError::MethodShouldNotBeCalled, location);
+    KErrorHandler::raiseError(KError::MethodShouldNotBeCalled, where);
     return true;
 }
-}
+} // namespace
 
-bool KComparable::operator==(const KComparable&) const { return notOverridden("KComparable::operator=="); }
-bool KComparable::operator!=(const KComparable&) const { return notOverridden("KComparable::operator!="); }
-bool KComparable::operator>(const KComparable&) const { return notOverridden("KComparable::operator>"); }
-bool KComparable::operator<(const KComparable&) const { return notOverridden("KComparable::operator<"); }
-bool KComparable::operator>=(const KComparable&) const { return notOverridden("KComparable::operator>="); }
-bool KComparable::operator<=(const KComparable&) const { return notOverridden("KComparable::operator<="); }
+bool KComparable::operator==(const KComparable&) const { return notOverridden(); }
+bool KComparable::operator!=(const KComparable&) const { return notOverridden(); }
+bool KComparable::operator>(const KComparable&) const { return notOverridden(); }
+bool KComparable::operator<(const KComparable&) const { return notOverridden(); }
+bool KComparable::operator>=(const KComparable&) const { return notOverridden(); }
+bool KComparable::operator<=(const KComparable&) const { return notOverridden(); }

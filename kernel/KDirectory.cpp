@@ -59,10 +59,7 @@ K_DEFINE_CLASS_COMMON(KDirectory, KDiskObjectReference, &KDirectory::createInsta
 
 KDirectory::KDirectory() = default;
 
-KDirectory::KDirectory(const KPath& path)
-{
-    KDirectory::setPath(path);
-}
+KDirectory::KDirectory(const KPath& path) { KDirectory::setPath(path); }
 
 KDirectory::KDirectory(const KDirectory& other)
     : KDiskObjectReference(other)
@@ -114,10 +111,7 @@ bool KDirectory::rename(const KString& newName)
     return true;
 }
 
-bool KDirectory::copy(const KDirectory& destination)
-{
-    return copyAndRename(destination, getObjectName());
-}
+bool KDirectory::copy(const KDirectory& destination) { return copyAndRename(destination, getObjectName()); }
 
 bool KDirectory::copyAndRename(const KDirectory& destination, const KString& newName)
 {
@@ -135,8 +129,7 @@ bool KDirectory::copyAndRename(const KPath& destination)
         return false;
     if (copyContents(from, to))
         return true;
-    KErrorHandler::raiseError(KError::ErrorCopyingFile,
-                              "void KDirectory::copyAndRename(const KDirectory& D, const KString& S)");
+    KErrorHandler::raiseError(KError::ErrorCopyingFile);
     return false;
 }
 
@@ -159,7 +152,7 @@ KDiskObjectList KDirectory::listOwn(bool files, bool folders) const
 {
     KString text = getNativeText();
     if (text.getLength() >= kMaxPathLength)
-        knsFatalError("KDirectory::getFiles", "Directory Path exceeds MAX_PATH");
+        KErrorHandler::fatal("Directory Path exceeds MAX_PATH");
     return list(text, getPath(), files, folders);
 }
 

@@ -50,9 +50,9 @@ KDiskObjectReference& KDiskObjectReference::operator=(const KDiskObjectReference
 
 KThing* KDiskObjectReference::deepCopy() const { return new KDiskObjectReference(*this); }
 
-void KDiskObjectReference::notImplemented(const char* location)
+void KDiskObjectReference::notImplemented(const KSourceLocation& where)
 {
-    KErrorHandler::showMessage("Not Yet Implemented!", location, KErrorHandler::kNoticeBoxFlags);
+    KErrorHandler::notice("Not Yet Implemented!", where);
 }
 
 KString KDiskObjectReference::getNativeText() const
@@ -103,31 +103,31 @@ bool KDiskObjectReference::doesExist() const
 
 bool KDiskObjectReference::remove()
 {
-    notImplemented("void KDiskObjectReference::remove()");
+    notImplemented();
     return false;
 }
 
 bool KDiskObjectReference::rename(const KString&)
 {
-    notImplemented("void KDiskObjectReference::rename(const KString& NewName)");
+    notImplemented();
     return false;
 }
 
 bool KDiskObjectReference::copy(const KDirectory&)
 {
-    notImplemented("void KDiskObjectReference::copy(const KDirectory& D)");
+    notImplemented();
     return false;
 }
 
 bool KDiskObjectReference::copyAndRename(const KDirectory&, const KString&)
 {
-    notImplemented("void KDiskObjectReference::copyAndRename(const KDirectory& D, const KString& NewName)");
+    notImplemented();
     return false;
 }
 
 bool KDiskObjectReference::copyAndRename(const KPath&)
 {
-    notImplemented("void KDiskObjectReference::copyAndRename(const KPath& P)");
+    notImplemented();
     return false;
 }
 
@@ -147,24 +147,15 @@ void KDiskObjectReference::writeToFile(KFile& file, int32_t version)
 
 void KDiskObjectReference::readFromFile(KFile& file)
 {
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, classRecord, &version, &sections);
-    int32_t id = 0;
-    while (reader.nextSection(&id)) {
-        if (id != 1) {
-            reader.skipSection();
-            continue;
-        }
+    auto readMain = [&](int32_t) {
         kind = file.readShort();
         KDiskObjectStreams::readDate(file, creationDate);
         KDiskObjectStreams::readDate(file, modificationDate);
         KDiskObjectStreams::readTime(file, creationTime);
         KDiskObjectStreams::readTime(file, modificationTime);
         path.readFromFile(file);
-    }
-    reader.end();
+    };
+    KClassReader::readSections(file, classRecord, { { 1, readMain } });
 }
 
 void KDiskObjectReference::describe(KJsonWriter& out) const

@@ -4,6 +4,7 @@
 #include "kernel/KPath.h"
 #include "kernel/KTime.h"
 
+#include "kernel/KSourceLocation.h"
 #include <vector>
 
 // A reference to a place on disk: a path with the dates of the object found
@@ -52,8 +53,8 @@ public:
     KString getNativeText() const;
 
 protected:
-    // Shows "Not Yet Implemented!" with `location` as caption.
-    static void notImplemented(const char* location);
+    // Shows "Not Yet Implemented!" with the caller as caption.
+    static void notImplemented(const KSourceLocation& where = KSourceLocation::current());
     void setKind(int16_t value) { kind = value; }
     KPath& editPath() { return path; }
 

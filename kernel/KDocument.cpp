@@ -73,7 +73,7 @@ private:
             return;
         }
         passOn();
-        KErrorHandler::raiseError(code, location);
+        KErrorHandler::raiseErrorAt(code, location);
         intercept();
     }
 

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+#include <sysexits.h>
 #include <vector>
 
 namespace {
@@ -18,12 +19,12 @@ struct ErrorRecord {
 struct ErrorState {
     std::vector<ErrorRecord> records; // insertion order
     int32_t lastError = 0;
-    int32_t mode = KErrorHandler::Silent;
+    KErrorHandler::Mode mode = KErrorHandler::Silent;
     int32_t language = 0;
     KErrorHandler::ErrorProc errorProc = nullptr;
     KErrorHandler::FatalProc fatalProc = nullptr;
     KErrorHandler::MessageProc messageProc = nullptr;
-    int exitCode = 0;
+    int exitCode = EX_SOFTWARE;
     bool inFatalPath = false;
 };
 
@@ -66,7 +67,12 @@ void stderrMessage(const char* text, const char* caption, int32_t)
 
 } // namespace
 
-void KErrorHandler::raiseError(int32_t code, const char* location)
+void KErrorHandler::raiseError(int32_t code, const KSourceLocation& where)
+{
+    raiseErrorAt(code, where.function_name());
+}
+
+void KErrorHandler::raiseErrorAt(int32_t code, const char* location)
 {
     if (code == 0)
         return;
@@ -92,16 +98,16 @@ void KErrorHandler::raiseError(int32_t code, const char* location)
     }
 }
 
-void KErrorHandler::raiseUnrecoverable(int32_t code, const char* location)
+void KErrorHandler::raiseUnrecoverable(int32_t code, const KSourceLocation& where)
 {
-    raiseError(code, location);
-    knsFatalError(location, recordOrUnknown(code).text.c_str());
+    raiseErrorAt(code, where.function_name());
+    knsFatalError(where.function_name(), recordOrUnknown(code).text.c_str());
 }
 
 int32_t KErrorHandler::getLastError() { return state().lastError; }
 void KErrorHandler::clearLastError() { state().lastError = 0; }
-void KErrorHandler::setErrorMode(int32_t mode) { state().mode = mode; }
-int32_t KErrorHandler::getErrorMode() { return state().mode; }
+void KErrorHandler::setErrorMode(Mode mode) { state().mode = mode; }
+KErrorHandler::Mode KErrorHandler::getErrorMode() { return state().mode; }
 void KErrorHandler::setErrorProc(ErrorProc proc) { state().errorProc = proc; }
 KErrorHandler::ErrorProc KErrorHandler::getErrorProc() { return state().errorProc; }
 void KErrorHandler::clearErrorProc() { state().errorProc = nullptr; }
@@ -175,6 +181,16 @@ void KErrorHandler::showMessage(const char* text, const char* caption, int32_t f
 {
     MessageProc proc = state().messageProc ? state().messageProc : stderrMessage;
     proc(text, caption, flags);
+}
+
+void KErrorHandler::notice(const char* text, const KSourceLocation& where)
+{
+    showMessage(text, where.function_name(), kNoticeBoxFlags);
+}
+
+void KErrorHandler::fatal(const char* text, const KSourceLocation& where)
+{
+    knsFatalError(where.function_name(), text);
 }
 
 void KErrorHandler::setFatalExitCode(int code) { state().exitCode = code; }

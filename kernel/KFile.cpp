@@ -37,11 +37,24 @@ void toBigEndian(U value, unsigned char* bytes)
     }
 }
 
-template<typename T> struct UnsignedOf;
-template<> struct UnsignedOf<int16_t> { using Type = uint16_t; };
-template<> struct UnsignedOf<int32_t> { using Type = uint32_t; };
-template<> struct UnsignedOf<float> { using Type = uint32_t; };
-template<> struct UnsignedOf<double> { using Type = uint64_t; };
+template<typename T>
+struct UnsignedOf;
+template<>
+struct UnsignedOf<int16_t> {
+    using Type = uint16_t;
+};
+template<>
+struct UnsignedOf<int32_t> {
+    using Type = uint32_t;
+};
+template<>
+struct UnsignedOf<float> {
+    using Type = uint32_t;
+};
+template<>
+struct UnsignedOf<double> {
+    using Type = uint64_t;
+};
 
 } // namespace
 
@@ -78,7 +91,7 @@ KFile::~KFile()
 KFile& KFile::operator=(const KFile& other)
 {
     if (openFlag || other.openFlag) {
-        KErrorHandler::raiseError(KError::FileIsOpen, "KFile::operator=(const KFile& F)");
+        KErrorHandler::raiseError(KError::FileIsOpen);
         return *this;
     }
     if (this != &other) {
@@ -106,11 +119,11 @@ void KFile::releaseBuffer()
     bufferHighWater = 0;
 }
 
-bool KFile::resolveName(KString& out, const char* location)
+bool KFile::resolveName(KString& out, const KSourceLocation& where)
 {
     out = getPath().getNativeText();
     if (out.isEmpty()) {
-        KErrorHandler::raiseError(KError::NoFilename, location);
+        KErrorHandler::raiseError(KError::NoFilename, where);
         return false;
     }
     return true;
@@ -119,7 +132,7 @@ bool KFile::resolveName(KString& out, const char* location)
 void KFile::setMode(KFileMode newMode)
 {
     if (openFlag) {
-        KErrorHandler::raiseError(KError::FileCannotChangeMode, "KFile::setMode(KFileMode M)");
+        KErrorHandler::raiseError(KError::FileCannotChangeMode);
         return;
     }
     mode = newMode;
@@ -132,7 +145,7 @@ void KFile::create()
     if (openFlag)
         close();
     KString name;
-    if (!resolveName(name, "void KFile::create()"))
+    if (!resolveName(name))
         return;
     storeError(knsFileCreate(name));
 }
@@ -140,7 +153,7 @@ void KFile::create()
 void KFile::open()
 {
     KString name;
-    if (!resolveName(name, "void  KFile::open()"))
+    if (!resolveName(name))
         return;
     if (openFlag)
         close();
@@ -179,7 +192,7 @@ void KFile::readWholeFile()
 void KFile::openFromRAM(void* address, int32_t dataSize)
 {
     if (mode != KFileModeReadBuffered) {
-        KErrorHandler::raiseError(KError::FileWrongMode, "void KFile::openFromRAM(void* Address, long DataSize)");
+        KErrorHandler::raiseError(KError::FileWrongMode);
         return;
     }
     if (openFlag)
@@ -231,9 +244,8 @@ void KFile::close()
 
 bool KFile::beginAtomicWrite()
 {
-    static constexpr const char* location = "bool KFile::beginAtomicWrite()";
     if (mode == KFileModeReadBuffered) {
-        KErrorHandler::raiseError(KError::FileWrongMode, location);
+        KErrorHandler::raiseError(KError::FileWrongMode);
         return false;
     }
     if (atomicWrite)
@@ -241,7 +253,7 @@ bool KFile::beginAtomicWrite()
     else if (openFlag)
         close();
     KString target;
-    if (!resolveName(target, location))
+    if (!resolveName(target))
         return false;
     int fd = kNoFileHandle;
     KString temporary;
@@ -318,7 +330,7 @@ int32_t KFile::read(void* out, int32_t size)
     case KFileModeReadBuffered:
         return readFromBuffer(out, size);
     case KFileModeWriteBuffered:
-        KErrorHandler::raiseError(KError::FileWrongMode, "long KFile::read(void* Buff,long Size)");
+        KErrorHandler::raiseError(KError::FileWrongMode);
         return 0;
     case KFileModeMemory:
         return 0;
@@ -401,7 +413,7 @@ int32_t KFile::write(const void* data, int32_t size)
     auto* bytes = static_cast<const char*>(data);
     switch (mode) {
     case KFileModeReadBuffered:
-        KErrorHandler::raiseError(KError::FileWrongMode, "KFile::write(void* Buff,long Size)");
+        KErrorHandler::raiseError(KError::FileWrongMode);
         break;
     case KFileModeWriteBuffered:
         writeBuffered(bytes, size);
@@ -437,7 +449,7 @@ int32_t KFile::getPosition() const
 void KFile::setPosition(int32_t position)
 {
     if (mode == KFileModeWriteBuffered) {
-        KErrorHandler::raiseError(KError::FileWrongMode, "void KFile::setPosition(long Pos)");
+        KErrorHandler::raiseError(KError::FileWrongMode);
         return;
     }
     if (position < 0) {

@@ -2,11 +2,13 @@
 
 #include "kernel/KFileReference.h"
 
+#include "kernel/KSourceLocation.h"
+
 enum KFileMode : int32_t {
-    KFileModeDirect = 0,         // reads and writes go straight to the file
-    KFileModeReadBuffered = 1,   // the whole file (or a RAM image) is read at open
-    KFileModeWriteBuffered = 2,  // writes go through a 524,288-byte buffer; no seeks
-    KFileModeMemory = 3,         // writes collect in a growing buffer, written out at close
+    KFileModeDirect = 0, // reads and writes go straight to the file
+    KFileModeReadBuffered = 1, // the whole file (or a RAM image) is read at open
+    KFileModeWriteBuffered = 2, // writes go through a 524,288-byte buffer; no seeks
+    KFileModeMemory = 3, // writes collect in a growing buffer, written out at close
 };
 
 // A file with typed big-endian reads and writes, over the disk or a memory
@@ -142,7 +144,8 @@ public:
 private:
     void storeError(int32_t code);
     void releaseBuffer();
-    bool resolveName(KString& out, const char* location);
+    // Raises code 47 with the caller as location when the file has no name.
+    bool resolveName(KString& out, const KSourceLocation& where = KSourceLocation::current());
     bool readCounted(char** block, int32_t* length);
     void readWholeFile();
     int32_t readFromBuffer(void* buffer, int32_t size);
@@ -150,8 +153,10 @@ private:
     void writeToMemory(const char* data, int32_t size);
     void flushBuffer();
     void closeHandle();
-    template<typename T> T readScalar();
-    template<typename T> void writeScalar(T value);
+    template<typename T>
+    T readScalar();
+    template<typename T>
+    void writeScalar(T value);
 
     int handle = -1; // a POSIX descriptor; -1 when closed
     bool openFlag = false;

@@ -25,15 +25,9 @@ bool hasDot(const KString& text)
 
 K_DEFINE_CLASS(KFileReference, KDiskObjectReference)
 
-KFileReference::KFileReference()
-{
-    setKind(KPath::FileKind);
-}
+KFileReference::KFileReference() { setKind(KPath::FileKind); }
 
-KFileReference::KFileReference(const KPath& path)
-{
-    KFileReference::setPath(path);
-}
+KFileReference::KFileReference(const KPath& path) { KFileReference::setPath(path); }
 
 KFileReference::KFileReference(const KFileReference& other)
     : KDiskObjectReference(other)
@@ -86,7 +80,7 @@ bool KFileReference::doesExist() const
 bool KFileReference::remove()
 {
     if (getPath().isEmpty()) {
-        KErrorHandler::raiseError(KError::NoFilename, "void  KFile::remove()");
+        KErrorHandler::raiseError(KError::NoFilename);
         return false;
     }
     return knsFileRemove(getNativeText()) == 0;
@@ -120,7 +114,7 @@ bool KFileReference::copyTo(const KPath& destination)
     int32_t code = knsFileCopy(getNativeText(), destination.getNativeText(), &accessDenied);
     // A refusal by permissions passes silently, as a locked file always has.
     if (code && !accessDenied)
-        KErrorHandler::raiseError(KError::ErrorCopyingFile, "KFileSystem::copy(const KDirectory& Dest)");
+        KErrorHandler::raiseError(KError::ErrorCopyingFile);
     return code == 0;
 }
 
@@ -138,10 +132,7 @@ bool KFileReference::copyAndRename(const KPath& destination) { return copyTo(des
 
 KDirectory KFileReference::getDirectory() const { return KDirectory(getPath().getParent()); }
 
-void KFileReference::changeExtension(const KString&)
-{
-    notImplemented("void KFileReference::changeExtension(const KString&)");
-}
+void KFileReference::changeExtension(const KString&) { notImplemented(); }
 
 void KFileReference::writeToFile(KFile& file, int32_t version)
 {
@@ -155,20 +146,11 @@ void KFileReference::writeToFile(KFile& file, int32_t version)
 
 void KFileReference::readFromFile(KFile& file)
 {
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, classRecord, &version, &sections);
-    int32_t id = 0;
-    while (reader.nextSection(&id)) {
-        if (id != 1) {
-            reader.skipSection();
-            continue;
-        }
+    auto readMain = [&](int32_t) {
         fileTypeID = file.readLong();
         KDiskObjectReference::readFromFile(file);
-    }
-    reader.end();
+    };
+    KClassReader::readSections(file, classRecord, { { 1, readMain } });
     setKind(KPath::FileKind);
 }
 

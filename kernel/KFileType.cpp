@@ -69,23 +69,14 @@ void KFileType::writeToFile(KFile& file, int32_t)
 
 void KFileType::readFromFile(KFile& file)
 {
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, classRecord, &version, &sections);
-    int32_t section = 0;
-    while (reader.nextSection(&section)) {
-        if (section != 1) {
-            reader.skipSection();
-            continue;
-        }
+    auto readMain = [&](int32_t) {
         KDiskObjectStreams::readString(file, extension);
         KDiskObjectStreams::readString(file, description);
         KDiskObjectStreams::readString(file, macType);
         KDiskObjectStreams::readString(file, macCreator);
         id = file.readLong();
-    }
-    reader.end();
+    };
+    KClassReader::readSections(file, classRecord, { { 1, readMain } });
 }
 
 void KFileType::describe(KJsonWriter& out) const

@@ -13,8 +13,6 @@ std::vector<KPtr<KFileType>>& table()
     return types;
 }
 
-constexpr const char* kNotFound = "KFileTypeHandler::getAssociation(KFileTypeID T)";
-
 // A free id for `extension`: its own, or the next unused one after it.
 KFileTypeID freeID(const KString& extension)
 {
@@ -32,7 +30,7 @@ KFileTypeID makeAssociation(const KString& extension, const KString& description
                             const KString& macCreator)
 {
     if (hasAssociation(extension)) {
-        KErrorHandler::raiseError(KError::FileTypeAlreadyExists, "KFileTypeHandler::makeAssociation()");
+        KErrorHandler::raiseError(KError::FileTypeAlreadyExists);
         return 0;
     }
     auto type = kAdopt(new KFileType(extension, description, macType, macCreator, freeID(extension)));
@@ -81,7 +79,7 @@ KFileType* getAssociation(KFileTypeID id)
 {
     KFileType* found = nullptr;
     if (!hasAssociation(id, &found))
-        KErrorHandler::raiseError(KError::FileTypeNotFound, kNotFound);
+        KErrorHandler::raiseError(KError::FileTypeNotFound);
     return found;
 }
 
@@ -89,7 +87,7 @@ KFileType* getAssociation(const KString& extension)
 {
     KFileType* found = nullptr;
     if (!hasAssociation(extension, &found))
-        KErrorHandler::raiseError(KError::FileTypeNotFound, kNotFound);
+        KErrorHandler::raiseError(KError::FileTypeNotFound);
     return found;
 }
 
@@ -97,8 +95,7 @@ KFileType* getAssociationFromMacType(const KString& macType)
 {
     KFileType* found = nullptr;
     if (!hasMacType(macType, &found))
-        KErrorHandler::raiseError(KError::FileTypeNotFound,
-                                  "KFileTypeHandler::getAssociationFromMacType(const KString& MacType)");
+        KErrorHandler::raiseError(KError::FileTypeNotFound);
     return found;
 }
 
@@ -124,20 +121,13 @@ void kRegisterFrameworkFileTypes()
         const char* extension;
     };
     static const Entry entries[] = {
-        { "Text File", "TEXT", "ttxt", "TXT" },
-        { "Application", "APPL", "????", "EXE" },
-        { "DXF File", "????", "????", "DXF" },
-        { "Windows Bitmap", "BMP ", "TVOD", "BMP" },
-        { "JPEG Image", "JPEG", "TVOD", "JPG" },
-        { "JPEG Image", "JPEG", "TVOD", "JPEG" },
-        { "Macintosh Picture", "PICT", "ttxt", "PCT" },
-        { "Macintosh Picture", "PICT", "ttxt", "PIC" },
-        { "Macintosh Picture", "PICT", "ttxt", "PICT" },
-        { "TGA Image", "TPIC", "prvw", "TGA" },
-        { "Linux Pixmap", "XPM ", "ttxt", "XPM" },
-        { "Portable Network Graphics", "PNG ", "TVOD", "PNG" },
-        { "GIF Image", "GIF ", "TVOD", "GIF" },
-        { "TIFF Image", "TIFF", "TVOD", "TIF" },
+        { "Text File", "TEXT", "ttxt", "TXT" },          { "Application", "APPL", "????", "EXE" },
+        { "DXF File", "????", "????", "DXF" },           { "Windows Bitmap", "BMP ", "TVOD", "BMP" },
+        { "JPEG Image", "JPEG", "TVOD", "JPG" },         { "JPEG Image", "JPEG", "TVOD", "JPEG" },
+        { "Macintosh Picture", "PICT", "ttxt", "PCT" },  { "Macintosh Picture", "PICT", "ttxt", "PIC" },
+        { "Macintosh Picture", "PICT", "ttxt", "PICT" }, { "TGA Image", "TPIC", "prvw", "TGA" },
+        { "Linux Pixmap", "XPM ", "ttxt", "XPM" },       { "Portable Network Graphics", "PNG ", "TVOD", "PNG" },
+        { "GIF Image", "GIF ", "TVOD", "GIF" },          { "TIFF Image", "TIFF", "TVOD", "TIF" },
         { "TIFF Image", "TIFF", "TVOD", "TIFF" },
     };
     for (const Entry& entry : entries) {

@@ -6,7 +6,8 @@
 
 class KThing;
 class KThingPtr;
-template<class T> class KPtr;
+template<class T>
+class KPtr;
 class KClass;
 class KMemory;
 class KErrorHandler;

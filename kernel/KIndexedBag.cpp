@@ -127,7 +127,6 @@ void KIndexedBag::readHalves(KFile& file)
         removeUnreadEntries();
 }
 
-
 void KIndexedBag::removeUnreadEntries()
 {
     int32_t pos = 0;

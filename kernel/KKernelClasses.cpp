@@ -36,10 +36,7 @@
 namespace {
 
 // Names in the registry without a class of their own.
-void registerRoot(const char* name)
-{
-    KClass::registerClass(name, KThing::classRecord, &KThing::create, 1);
-}
+void registerRoot(const char* name) { KClass::registerClass(name, KThing::classRecord, &KThing::create, 1); }
 
 } // namespace
 

@@ -118,10 +118,7 @@ void KLocalizer::addEntry(const KString& key, const KString& text, int32_t colum
         row->setTranslation(column, text);
 }
 
-void KLocalizer::addKey(const KLocalizerString& entry)
-{
-    insertRow(*new KLocalizerString(entry));
-}
+void KLocalizer::addKey(const KLocalizerString& entry) { insertRow(*new KLocalizerString(entry)); }
 
 void KLocalizer::balance() { table.balance(); }
 
@@ -253,22 +250,8 @@ void KLocalizer::dumpDataBase()
     writeDataBaseToFile(KFileReference(path));
 }
 
-void KLocalizer::readDataBaseFromResource(int16_t)
-{
-    KErrorHandler::showMessage("Not Yet Implemented!", "void KLocalizer::readDataBaseFromResource(short ResourceID)",
-                               KErrorHandler::kNoticeBoxFlags);
-}
+void KLocalizer::readDataBaseFromResource(int16_t) { KErrorHandler::notice("Not Yet Implemented!"); }
 
-void KLocalizer::readDataBaseFromResource(KFileReference&, int16_t)
-{
-    KErrorHandler::showMessage("Not Yet Implemented!",
-                               "void KLocalizer::readDataBaseFromResource(KFileReference&, short ResourceID)",
-                               KErrorHandler::kNoticeBoxFlags);
-}
+void KLocalizer::readDataBaseFromResource(KFileReference&, int16_t) { KErrorHandler::notice("Not Yet Implemented!"); }
 
-void KLocalizer::writeDataBaseToResource(KFileReference&, int16_t)
-{
-    KErrorHandler::showMessage("Not Yet Implemented!",
-                               "void KLocalizer::writeDataBaseToResource(KFileReference&, short ResourceID)",
-                               KErrorHandler::kNoticeBoxFlags);
-}
+void KLocalizer::writeDataBaseToResource(KFileReference&, int16_t) { KErrorHandler::notice("Not Yet Implemented!"); }

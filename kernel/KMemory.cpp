@@ -10,14 +10,14 @@ void* KMemory::allocate(size_t size, bool clear)
 {
     void* block = clear ? std::calloc(1, size ? size : 1) : std::malloc(size ? size : 1);
     if (!block)
-        KErrorHandler::raiseError(KError::OutOfMemory, "KMemory::allocate");
+        KErrorHandler::raiseError(KError::OutOfMemory);
     return block;
 }
 
 void KMemory::dispose(void* block)
 {
     if (!block) {
-        KErrorHandler::raiseError(KError::DisposePointerNull, "KMemory::dispose");
+        KErrorHandler::raiseError(KError::DisposePointerNull);
         return;
     }
     std::free(block);

@@ -112,6 +112,18 @@ bool KMemoryBlock::readFromResource(int16_t id)
     return readFromResource(KFileReference(KPath(knsProgramFile(), KPath::LinuxPlatform)), id);
 }
 
+bool KMemoryBlock::readFromResourcePath(const char* path)
+{
+    void* block = nullptr;
+    int32_t length = 0;
+    if (!knsReadProgramResourcePath(path, &block, &length))
+        return false;
+    release();
+    data = static_cast<char*>(block);
+    size = length;
+    return true;
+}
+
 bool KMemoryBlock::readFromResource(const KFileReference& module, int16_t id)
 {
     return readFromDiskFile(KFileReference(resourcePath(module, id)));

@@ -32,6 +32,9 @@ public:
     bool readFromResource(int16_t id);
     bool readFromResource(const KFileReference& module, int16_t id);
     bool writeToResource(const KFileReference& module, int16_t id) const;
+    // A file compiled into the program's resources under its whole resource
+    // path; false, and the block unchanged, when there is none.
+    bool readFromResourcePath(const char* path);
 
     // The file beside `module` that holds its resource `id`.
     static KPath resourcePath(const KFileReference& module, int16_t id);

@@ -146,8 +146,7 @@ KThing& KNamedBag::getNamedObject(const KString& key) const
 {
     KThing* found = findNamedObject(key);
     if (!found)
-        KErrorHandler::raiseUnrecoverable(KError::PointerNull,
-                                          "const KThing& KNamedBag::getNamedObject(const KString& S) const");
+        KErrorHandler::raiseUnrecoverable(KError::PointerNull);
     return *found;
 }
 
@@ -173,14 +172,14 @@ void KNamedBag::readFromFile(KFile& file)
 void KNamedBag::readHalves(KFile& file)
 {
     int32_t policy = KClassStreamState::unknownClassPolicy();
-    KUnknownClassPolicyGuard lowered(policy == KClassStreamState::DropObject ? KClassStreamState::KeepNullSlot : policy);
+    KUnknownClassPolicyGuard lowered(policy == KClassStreamState::DropObject ? KClassStreamState::KeepNullSlot
+                                                                             : policy);
     objects.setNulledOnRead(0);
     keys.readFromFile(file);
     objects.readFromFile(file);
     if (kCheckMapHalves(file, keys, objects, false))
         removeUnreadEntries();
 }
-
 
 void KNamedBag::removeUnreadEntries()
 {

@@ -29,7 +29,7 @@ KThing* KNativePtr::deepCopy() const { return new KNativePtr(*this); }
 void* KNativePtr::getNativePtr() const
 {
     if (!nativePtr)
-        KErrorHandler::raiseError(KError::PointerNull, "KThing& KNativePtr::getNativePtr() const");
+        KErrorHandler::raiseError(KError::PointerNull);
     return nativePtr;
 }
 

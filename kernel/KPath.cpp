@@ -96,10 +96,7 @@ KPath::KPath(const KPath& other)
     copyFrom(other);
 }
 
-KPath::KPath(const KString& text, int32_t platform)
-{
-    setFromText(text, platform);
-}
+KPath::KPath(const KString& text, int32_t platform) { setFromText(text, platform); }
 
 KPath::~KPath() = default;
 
@@ -192,7 +189,8 @@ void KPath::setNameAndExtension(const KString& text)
     extension = toKString(part.substr(dot + 1));
 }
 
-void KPath::setAll(const KString& volumeText, const KString& folder, const KString& nameText, const KString& extensionText)
+void KPath::setAll(const KString& volumeText, const KString& folder, const KString& nameText,
+                   const KString& extensionText)
 {
     clear();
     volume = volumeText;
@@ -370,24 +368,14 @@ void KPath::writeToFile(KFile& file, int32_t)
 void KPath::readFromFile(KFile& file)
 {
     clear();
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, classRecord, &version, &sections);
-    int32_t id = 0;
-    while (reader.nextSection(&id)) {
-        if (id == 1) {
-            KDiskObjectStreams::readString(file, volume);
-            KDiskObjectStreams::readString(file, name);
-            KDiskObjectStreams::readString(file, extension);
-            KDiskObjectStreams::readStringBag(file, folders);
-        } else if (id == 2) {
-            KDiskObjectStreams::readString(file, server);
-        } else {
-            reader.skipSection();
-        }
-    }
-    reader.end();
+    auto readMain = [&](int32_t) {
+        KDiskObjectStreams::readString(file, volume);
+        KDiskObjectStreams::readString(file, name);
+        KDiskObjectStreams::readString(file, extension);
+        KDiskObjectStreams::readStringBag(file, folders);
+    };
+    auto readServer = [&](int32_t) { KDiskObjectStreams::readString(file, server); };
+    KClassReader::readSections(file, classRecord, { { 1, readMain }, { 2, readServer } });
 }
 
 void KPath::describe(KJsonWriter& out) const

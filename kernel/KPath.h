@@ -81,7 +81,8 @@ public:
     void setNameAndExtension(const KString& text);
     // Replaces everything: the volume, one folder (when not empty), the name
     // and the extension.
-    void setAll(const KString& volumeText, const KString& folder, const KString& nameText, const KString& extensionText);
+    void setAll(const KString& volumeText, const KString& folder, const KString& nameText,
+                const KString& extensionText);
 
     // The volume, the last folder, or the name with its extension, by kind.
     void getObjectName(KString& out) const;

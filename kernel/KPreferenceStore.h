@@ -16,7 +16,7 @@ namespace KPreferenceStore {
 
 enum Kind : int32_t {
     Unknown = 0,
-    Text = 1,   // host-set bytes
+    Text = 1, // host-set bytes
     Binary = 3, // raw bytes
     Integer = 4 // 4 bytes, host order
 };
@@ -35,5 +35,11 @@ bool readGroup(const char* application, const char* group, std::vector<Value>& v
 bool writeGroup(const char* application, const char* group, const std::vector<Value>& values);
 // True when the group's file is in either place.
 bool groupExists(const char* application, const char* group);
+// True when the user's file of the group is there but cannot be read.
+bool userGroupUnreadable(const char* application, const char* group);
+// Renames the user's file of the group to "<Group>.conf.bad", replacing an
+// older one, so that a file the program cannot read is kept for a person to
+// look at; the next write starts afresh. False when nothing was renamed.
+bool setAsideUserGroup(const char* application, const char* group);
 
 } // namespace KPreferenceStore

@@ -20,7 +20,12 @@ std::string gApplicationName = "TaleLoom";
 // The first byte of a binary value names the kind of the bytes after it.
 enum BinaryTag : unsigned char { CharTag = 0, BoolTag = 1, LongTag = 3, FloatTag = 4, DoubleTag = 5 };
 
-void notImplemented(const char* caption) { KErrorHandler::showMessage(kNotImplemented, caption, KErrorHandler::kNoticeBoxFlags); }
+// The caption is the caller's signature and what it could not handle.
+void notImplemented(const char* what, const KSourceLocation& where = KSourceLocation::current())
+{
+    std::string caption = std::string(where.function_name()) + " - " + what;
+    KErrorHandler::showMessage(kNotImplemented, caption.c_str(), KErrorHandler::kNoticeBoxFlags);
+}
 
 template<class T>
 T readBytes(const unsigned char* data)
@@ -255,7 +260,7 @@ void loadBinary(KPreferences& preferences, const char* group, const KPreferenceS
     }
     size_t expected = binarySize(data[0]);
     if (expected == 0) {
-        notImplemented("KPreferences::load unimplemented data format");
+        notImplemented("unimplemented data format");
         return;
     }
     if (value.data.size() < expected) {
@@ -301,7 +306,7 @@ void loadValue(KPreferences& preferences, const char* group, const KPreferenceSt
         loadBinary(preferences, group, value);
         break;
     default:
-        notImplemented("KPreferences::load unimplemented register format");
+        notImplemented("unimplemented register format");
         break;
     }
 }
@@ -326,7 +331,7 @@ bool KPreferences::save(const char* group) const
         if (encode(entry.first, *entry.second, value))
             stored.push_back(std::move(value));
         else
-            notImplemented("KPreferences::save - unimplemented data format");
+            notImplemented("unimplemented data format");
     }
     return KPreferenceStore::writeGroup(gApplicationName.c_str(), group, stored);
 }

@@ -55,16 +55,13 @@ void KSet::allocateBits(int32_t newCapacity)
 void KSet::setCapacity(int32_t newCapacity)
 {
     if (newCapacity < 0) {
-        KErrorHandler::raiseError(KError::ParameterError, "KSet::setCapacity(long C)");
+        KErrorHandler::raiseError(KError::ParameterError);
         return;
     }
     allocateBits(newCapacity);
 }
 
-bool KSet::inRange(int32_t index) const
-{
-    return index >= 0 && index < capacity && index / bitsPerWord < wordCount;
-}
+bool KSet::inRange(int32_t index) const { return index >= 0 && index < capacity && index / bitsPerWord < wordCount; }
 
 void KSet::add(int32_t index)
 {

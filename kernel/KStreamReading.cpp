@@ -5,11 +5,11 @@
 
 namespace KStreamReading {
 
-KClassReader::ObjectResult readObject(KFile& file, KThingPtr& out, const char* location)
+KClassReader::ObjectResult readObject(KFile& file, KThingPtr& out, const KSourceLocation& where)
 {
     bool keepUnknown = KUnknownObject::isKept();
     int32_t tagPosition = keepUnknown ? file.getPosition() : 0;
-    KClassReader::ObjectResult result = KClassReader::readObject(file, out, location);
+    KClassReader::ObjectResult result = KClassReader::readObject(file, out, nullptr, where);
     if (result == KClassReader::ReadFailed && !file.getError())
         file.setError(KError::CouldNotReadFile);
     bool unknown = result == KClassReader::NulledObject || result == KClassReader::DroppedObject;

@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <string>
 
 K_DEFINE_CLASS(KString, KComparable)
 
@@ -492,7 +493,8 @@ void KString::setFromDouble(double value, int16_t decimals)
     char buffer[400];
     int size = std::snprintf(buffer, sizeof buffer, "%s%.0f", negative ? "-" : "", whole);
     if (decimals > 0)
-        size += std::snprintf(buffer + size, sizeof buffer - size_t(size), ".%0*lld", int(decimals), static_cast<long long>(digits));
+        size += std::snprintf(buffer + size, sizeof buffer - size_t(size), ".%0*lld", int(decimals),
+                              static_cast<long long>(digits));
     assign(buffer, size);
 }
 
@@ -512,7 +514,8 @@ void KString::setFromMilliseconds(int32_t ms, const KString& format)
     for (int i = 0; i < 4; ++i) {
         if (format.findChar(letters[i]) < 0)
             continue;
-        size += std::snprintf(buffer + size, sizeof buffer - size_t(size), "%s%02ld", size > 0 ? ":" : "", long(fields[i]));
+        size += std::snprintf(buffer + size, sizeof buffer - size_t(size), "%s%02ld", size > 0 ? ":" : "",
+                              long(fields[i]));
     }
     charSet = kHostCharSet;
     assign(buffer, size);
@@ -683,6 +686,26 @@ void KString::replaceChar(char from, char to)
         if (text[i] == from)
             text[i] = to;
     }
+}
+
+KString KString::withArguments(std::initializer_list<KString> arguments) const
+{
+    std::string out;
+    for (int32_t i = 0; i < length; ++i) {
+        char next = i + 1 < length ? text[i + 1] : 0;
+        auto number = size_t(next - '0');
+        if (text[i] == '%' && next >= '1' && next <= '9' && number <= arguments.size()) {
+            const KString& argument = arguments.begin()[number - 1];
+            out.append(argument.c_str(), size_t(argument.length));
+            ++i;
+        } else {
+            out += text[i];
+        }
+    }
+    KString result;
+    result.assign(out.data(), int32_t(out.size()));
+    result.charSet = charSet;
+    return result;
 }
 
 void KString::replace(const KString& from, const KString& to)

@@ -2,6 +2,8 @@
 
 #include "kernel/KComparable.h"
 
+#include <initializer_list>
+
 // An 8-bit string that knows its character set: 0 the Macintosh set, 1 the
 // Windows set (the host's). An empty string holds no buffer at all, and
 // getText() hands that null out, so callers test isEmpty() first.
@@ -135,6 +137,10 @@ public:
     void replaceChar(char from, char to);
     // Every occurrence; the search goes on behind each replacement.
     void replace(const KString& from, const KString& to);
+    // A copy in which "%1" to "%9" stand for the arguments in order, so that
+    // a translated sentence may place them where its language wants. A
+    // number without an argument stays; inserted text is not scanned again.
+    KString withArguments(std::initializer_list<KString> arguments) const;
 
     // Writes `length` bytes and a terminator.
     void copyTo(char* destination) const;

@@ -45,7 +45,7 @@ void* KThing::operator new(size_t size)
 {
     void* block = KMemory::allocate(size, false);
     if (!block)
-        KErrorHandler::raiseUnrecoverable(KError::PointerNull, "KThing::operator new(size_t Size)");
+        KErrorHandler::raiseUnrecoverable(KError::PointerNull);
     remember(block);
     ++gHeapCount;
     return block;
@@ -83,15 +83,15 @@ KThing::~KThing()
     // released once too often) is the error `delete` on a held object makes.
     if (isOnHeap() && referenceCount != 1) {
         if (referenceCount < 1)
-            KErrorHandler::raiseError(KError::NegativeReferenceCount, "KThing::operator delete(void* P)");
+            KErrorHandler::raiseError(KError::NegativeReferenceCount);
         else
-            KErrorHandler::raiseError(KError::DeleteReferencedObject, "KThing::operator delete(void* P)");
+            KErrorHandler::raiseError(KError::DeleteReferencedObject);
     }
 }
 
 KThing* KThing::deepCopy() const
 {
-    KErrorHandler::raiseError(KError::MethodShouldNotBeCalled, "KThing& deepCopy() const");
+    KErrorHandler::raiseError(KError::MethodShouldNotBeCalled);
     return nullptr;
 }
 
@@ -99,15 +99,9 @@ bool KThing::isRootClassRegistered() const { return classRecord != nullptr; }
 
 KClass* KThing::getClass() const { return KClass::checkedRecord(classRecord); }
 
-void KThing::readFromFile(KFile&)
-{
-    KErrorHandler::raiseError(KError::ReadNotImplemented, "void KThing::readFromFile(KFile& F)");
-}
+void KThing::readFromFile(KFile&) { KErrorHandler::raiseError(KError::ReadNotImplemented); }
 
-void KThing::writeToFile(KFile&, int32_t)
-{
-    KErrorHandler::raiseError(KError::WriteNotImplemented, "void KThing::writeToFile(KFile& F,long Ver)");
-}
+void KThing::writeToFile(KFile&, int32_t) { KErrorHandler::raiseError(KError::WriteNotImplemented); }
 
 void KThing::timerFired(KTimer&) { }
 
@@ -122,7 +116,7 @@ void KThing::describe(KJsonWriter&) const { }
 void KThing::incReferenceCount()
 {
     if (!isOnHeap()) {
-        KErrorHandler::raiseError(KError::ObjectNotOnHeap, "KThing::incReferenceCount()");
+        KErrorHandler::raiseError(KError::ObjectNotOnHeap);
         return;
     }
     ++referenceCount;
@@ -131,31 +125,27 @@ void KThing::incReferenceCount()
 void KThing::decReferenceCount()
 {
     if (!isOnHeap()) {
-        KErrorHandler::raiseError(KError::ObjectNotOnHeap, "KThing::decReferenceCount()");
+        KErrorHandler::raiseError(KError::ObjectNotOnHeap);
         return;
     }
     --referenceCount;
     if (referenceCount == 1)
         delete this;
     else if (referenceCount < 1)
-        KErrorHandler::raiseError(KError::NegativeReferenceCount, "KThing::decReferenceCount()");
+        KErrorHandler::raiseError(KError::NegativeReferenceCount);
 }
 
 bool KThing::isEqualOrSubClass(const KClass* cls) const
 {
     if (!cls || !isRootClassRegistered()) {
-        KErrorHandler::raiseError(KError::ClassNotRegistered,
-                                  "bool KThing::isEqualOrSubClass(const KClass& Class) const");
+        KErrorHandler::raiseError(KError::ClassNotRegistered);
         return false;
     }
     KClass* own = getClass();
     return own && own->isEqualOrSubClass(cls);
 }
 
-bool KThing::isEqualOrSubClass(const char* className) const
-{
-    return isEqualOrSubClass(KClass::findClass(className));
-}
+bool KThing::isEqualOrSubClass(const char* className) const { return isEqualOrSubClass(KClass::findClass(className)); }
 
 int32_t KThing::liveCount() { return gLiveCount; }
 int32_t KThing::heapCount() { return gHeapCount; }

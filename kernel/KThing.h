@@ -80,33 +80,30 @@ using KThingRef = KThing*;
 // Declares the class record and its overrides; every registered class uses
 // it once in its body. K_DEFINE_CLASS (or K_DEFINE_ABSTRACT_CLASS for classes
 // without a create procedure) goes in the class's .cpp.
-#define K_DECLARE_CLASS(Name)                          \
-public:                                                \
-    static KClass* classRecord;                        \
-    static KThing* create();                           \
-    static KClass* registerClass();                    \
-    KClass* getClass() const override;                 \
-    bool isClassRegistered() const override;           \
-                                                       \
+#define K_DECLARE_CLASS(Name)                                                                                          \
+public:                                                                                                                \
+    static KClass* classRecord;                                                                                        \
+    static KThing* create();                                                                                           \
+    static KClass* registerClass();                                                                                    \
+    KClass* getClass() const override;                                                                                 \
+    bool isClassRegistered() const override;                                                                           \
+                                                                                                                       \
 private:
 
-#define K_DEFINE_CLASS_COMMON(Name, Super, Create)                              \
-    KClass* Name::classRecord = nullptr;                                        \
-    KClass* Name::registerClass()                                               \
-    {                                                                           \
-        classRecord = KClass::registerClass(#Name, Super::classRecord, Create, 1); \
-        return classRecord;                                                     \
-    }                                                                           \
-    KClass* Name::getClass() const                                              \
-    {                                                                           \
-        return KClass::checkedRecord(classRecord);                              \
-    }                                                                           \
+#define K_DEFINE_CLASS_COMMON(Name, Super, Create)                                                                     \
+    KClass* Name::classRecord = nullptr;                                                                               \
+    KClass* Name::registerClass()                                                                                      \
+    {                                                                                                                  \
+        classRecord = KClass::registerClass(#Name, Super::classRecord, Create, 1);                                     \
+        return classRecord;                                                                                            \
+    }                                                                                                                  \
+    KClass* Name::getClass() const { return KClass::checkedRecord(classRecord); }                                      \
     bool Name::isClassRegistered() const { return classRecord != nullptr; }
 
-#define K_DEFINE_CLASS(Name, Super)                     \
-    KThing* Name::create() { return new Name(); }       \
+#define K_DEFINE_CLASS(Name, Super)                                                                                    \
+    KThing* Name::create() { return new Name(); }                                                                      \
     K_DEFINE_CLASS_COMMON(Name, Super, &Name::create)
 
-#define K_DEFINE_ABSTRACT_CLASS(Name, Super)            \
-    KThing* Name::create() { return nullptr; }          \
+#define K_DEFINE_ABSTRACT_CLASS(Name, Super)                                                                           \
+    KThing* Name::create() { return nullptr; }                                                                         \
     K_DEFINE_CLASS_COMMON(Name, Super, nullptr)

@@ -2,6 +2,8 @@
 
 #include "kernel/KErrorHandler.h"
 
+// A new reference starts a count of its own, not a copy of the other's.
+// NOLINTNEXTLINE(bugprone-copy-constructor-init)
 KThingPtr::KThingPtr(const KThingPtr& other)
     : KThing()
 {
@@ -65,7 +67,4 @@ void KThingPtr::hold(KThing* thing)
         object = thing;
 }
 
-void KThingPtr::emptyReference()
-{
-    KErrorHandler::raiseUnrecoverable(KError::PointerNull, "KThing& KThingPtr::getObject() const");
-}
+void KThingPtr::emptyReference() { KErrorHandler::raiseUnrecoverable(KError::PointerNull); }

@@ -38,11 +38,23 @@ template<class T>
 class KPtr : public KThingPtr {
 public:
     KPtr() = default;
-    KPtr(const KPtr& other) : KThingPtr(other) { }
-    KPtr(T& thing) : KThingPtr(static_cast<KThing&>(thing)) { }
-    KPtr(T* thing) : KThingPtr(static_cast<KThing*>(thing)) { }
+    KPtr(const KPtr& other)
+        : KThingPtr(other)
+    {
+    }
+    KPtr(T& thing)
+        : KThingPtr(static_cast<KThing&>(thing))
+    {
+    }
+    KPtr(T* thing)
+        : KThingPtr(static_cast<KThing*>(thing))
+    {
+    }
     template<class U>
-    KPtr(const KPtr<U>& other) : KThingPtr(static_cast<T*>(other.get())) { }
+    KPtr(const KPtr<U>& other)
+        : KThingPtr(static_cast<T*>(other.get()))
+    {
+    }
 
     KPtr& operator=(const KPtr& other)
     {

@@ -266,7 +266,8 @@ void KTree::dump(const KString& name)
             std::fprintf(file, "%s\n", entry.node->getData()->getClass()->getName());
         KTreeNode* right = entry.node->getRight();
         KTreeNode* left = entry.node->getLeft();
-        pending.push_back(right ? Entry { right, entry.depth + 1, nullptr } : Entry { nullptr, entry.depth, "No Right" });
+        pending.push_back(right ? Entry { right, entry.depth + 1, nullptr }
+                                : Entry { nullptr, entry.depth, "No Right" });
         pending.push_back(left ? Entry { left, entry.depth + 1, nullptr } : Entry { nullptr, entry.depth, "No Left" });
     }
     dumpDepth = 0;

@@ -98,7 +98,7 @@ KThing* KVariable::getObject() const { return type == ObjectType ? object.get() 
 void KVariable::setObject(KThing& value)
 {
     if (!value.isOnHeap()) {
-        KErrorHandler::raiseError(KError::ObjectNotOnHeap, "Object not on heap!");
+        KErrorHandler::raiseError(KError::ObjectNotOnHeap);
         return;
     }
     KThingPtr held(value);
@@ -109,13 +109,6 @@ void KVariable::setObject(KThing& value)
 void KVariable::clearObject() { object.clear(); }
 
 // Persistence.
-
-namespace {
-
-constexpr const char* kReadLocation = "void KVariable::readFromFile(KFile& F)";
-constexpr const char* kWriteLocation = "void KVariable::writeToFile(KFile& F, long Ver)";
-
-} // namespace
 
 void KVariable::writeToFile(KFile& file, int32_t version)
 {
@@ -155,7 +148,7 @@ void KVariable::writeToFile(KFile& file, int32_t version)
         break;
     case ObjectType:
         // A missing object is written as the null of the reference convention.
-        KClassWriter::writeObject(file, getObject(), kWriteLocation);
+        KClassWriter::writeObject(file, getObject());
         break;
     default:
         break;
@@ -222,7 +215,7 @@ void KVariable::readObjectValue(KFile& file)
     // An unknown class follows the unknown-class policy like an array
     // element: the variable keeps tag 7 without an object.
     KThingPtr read;
-    KStreamReading::readObject(file, read, kReadLocation);
+    KStreamReading::readObject(file, read);
     if (read)
         setObject(read.getObject());
     else

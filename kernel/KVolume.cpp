@@ -6,15 +6,9 @@
 
 K_DEFINE_CLASS(KVolume, KDiskObjectReference)
 
-KVolume::KVolume()
-{
-    setKind(KPath::VolumeKind);
-}
+KVolume::KVolume() { setKind(KPath::VolumeKind); }
 
-KVolume::KVolume(const KPath& path)
-{
-    KVolume::setPath(path);
-}
+KVolume::KVolume(const KPath& path) { KVolume::setPath(path); }
 
 KVolume::KVolume(const KVolume& other)
     : KDiskObjectReference(other)
@@ -53,13 +47,13 @@ bool KVolume::doesExist() const
 
 bool KVolume::rename(const KString&)
 {
-    notImplemented("void KVolume::rename(const KString& S)");
+    notImplemented();
     return false;
 }
 
 bool KVolume::copy(const KDirectory&)
 {
-    notImplemented("void KVolume::copy(const KDirectory& D)");
+    notImplemented();
     return false;
 }
 

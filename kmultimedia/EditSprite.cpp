@@ -30,7 +30,10 @@ KGraphicRectangle inflated(const KGraphicRectangle& r, int16_t by)
     return result;
 }
 
-KGraphicPoint pointOf(const KMouseEvent& event) { return KGraphicPoint(int16_t(event.getLocal().x), int16_t(event.getLocal().y)); }
+KGraphicPoint pointOf(const KMouseEvent& event)
+{
+    return KGraphicPoint(int16_t(event.getLocal().x), int16_t(event.getLocal().y));
+}
 
 bool isLeftHandle(int16_t code)
 {
@@ -42,7 +45,7 @@ bool isTopHandle(int16_t code) { return code == EditSprite::TopLeft || code == E
 bool isCorner(int16_t code)
 {
     return code == EditSprite::TopLeft || code == EditSprite::TopRight || code == EditSprite::BottomLeft
-        || code == EditSprite::BottomRight;
+           || code == EditSprite::BottomRight;
 }
 
 } // namespace
@@ -144,12 +147,9 @@ int16_t EditSprite::handleAt(const KGraphicPoint& p) const
         KGraphicRectangle place;
         bool side;
     } handles[] = {
-        { TopLeft, square(f.x, f.y), false },
-        { TopRight, square(right, f.y), false },
-        { BottomRight, square(right, bottom), false },
-        { BottomLeft, square(f.x, bottom), false },
-        { Bottom, square(centreX, bottom), true },
-        { Left, square(f.x, centreY), true },
+        { TopLeft, square(f.x, f.y), false },          { TopRight, square(right, f.y), false },
+        { BottomRight, square(right, bottom), false }, { BottomLeft, square(f.x, bottom), false },
+        { Bottom, square(centreX, bottom), true },     { Left, square(f.x, centreY), true },
         { Right, square(right, centreY), true },
     };
     for (const auto& handle : handles) {
@@ -240,7 +240,10 @@ void EditSprite::placeTextControl()
 
 // --- Press, drag, release ------------------------------------------------------
 
-KEventReturn EditSprite::mouseDown(KMouseEvent& event) { return press(pointOf(event), (event.getModifiers() & kShift) != 0); }
+KEventReturn EditSprite::mouseDown(KMouseEvent& event)
+{
+    return press(pointOf(event), (event.getModifiers() & kShift) != 0);
+}
 
 KEventReturn EditSprite::mouseDragged(KMouseEvent& event)
 {

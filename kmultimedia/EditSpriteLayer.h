@@ -2,8 +2,8 @@
 
 #include "graphics/KGraphicRectangle.h"
 #include "graphics/KGraphicSize.h"
-#include "kmultimedia/KMultimediaForward.h"
 #include "kernel/KThingPtr.h"
+#include "kmultimedia/KMultimediaForward.h"
 #include "kmultimedia/KSpriteLayer.h"
 
 // The layer that holds the one edit frame of the scene and shows or hides

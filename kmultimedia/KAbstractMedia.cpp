@@ -15,8 +15,7 @@ KAbstractMedia::KAbstractMedia() = default;
 KAbstractMedia::KAbstractMedia(const KAbstractMedia& other)
     : KThing(other)
 {
-    KErrorHandler::showMessage("Invalid Copy Constructor!", "KAbstractMedia::KAbstractMedia (const KAbstractMedia& M)",
-                               KErrorHandler::kNoticeBoxFlags);
+    KErrorHandler::notice("Invalid Copy Constructor!");
 }
 
 KAbstractMedia& KAbstractMedia::operator=(const KAbstractMedia& other)
@@ -35,14 +34,11 @@ KAbstractMedia& KAbstractMedia::operator=(const KAbstractMedia& other)
 }
 
 // A medium that dies loaded must not stay in the manager's list.
-KAbstractMedia::~KAbstractMedia()
-{
-    leaveManager();
-}
+KAbstractMedia::~KAbstractMedia() { leaveManager(); }
 
-void KAbstractMedia::mustBeOverloaded(const char* location)
+void KAbstractMedia::mustBeOverloaded(const KSourceLocation& where)
 {
-    KErrorHandler::showMessage("Must be overloaded in child class!", location, KErrorHandler::kNoticeBoxFlags);
+    KErrorHandler::notice("Must be overloaded in child class!", where);
 }
 
 double KAbstractMedia::getDuration() { return 0.0; }
@@ -62,13 +58,13 @@ void KAbstractMedia::clear()
 
 bool KAbstractMedia::createFromResource(int16_t)
 {
-    mustBeOverloaded("KAbstractMedia::createFromResource(short ResID)");
+    mustBeOverloaded();
     return false;
 }
 
 bool KAbstractMedia::createFromFile(const KDiskObjectReference&)
 {
-    mustBeOverloaded("KAbstractMedia::createFromFile(const KDiskObjectReference& File)");
+    mustBeOverloaded();
     return false;
 }
 
@@ -125,7 +121,7 @@ bool KAbstractMedia::isPaused() { return status == Paused; }
 
 bool KAbstractMedia::isDonePlaying()
 {
-    mustBeOverloaded("KAbstractMedia::isDonePlaying()");
+    mustBeOverloaded();
     return true;
 }
 
@@ -134,7 +130,7 @@ void KAbstractMedia::updatePlayback() { }
 void KAbstractMedia::setStreamingMode(KMediaStreamingMode mode)
 {
     if (status != NotLoaded) {
-        KErrorHandler::raiseError(KError::ObjectInUse, "KAbstractMedia::setStreamingMode(KMediaStreamingMode M)");
+        KErrorHandler::raiseError(KError::ObjectInUse);
         return;
     }
     streamingMode = mode;

@@ -4,6 +4,7 @@
 #include "kernel/KThing.h"
 #include "kmultimedia/KMultimediaForward.h"
 
+#include "kernel/KSourceLocation.h"
 #include <vector>
 
 enum KMediaStreamingMode : int32_t {
@@ -22,12 +23,13 @@ enum KMediaStreamingMode : int32_t {
 class KAbstractMedia : public KThing {
     K_DECLARE_CLASS(KAbstractMedia)
 public:
-    enum Status : int32_t {
+    enum class Status : int32_t {
         NotLoaded = 0,
         Loaded = 1,
         Playing = 2,
         Paused = 3,
     };
+    using enum Status;
     enum Flag : int32_t {
         Looping = 1,
         WordFeedback = 4,
@@ -68,7 +70,7 @@ public:
     void setStreamingMode(KMediaStreamingMode mode);
     KMediaStreamingMode getStreamingMode() const { return KMediaStreamingMode(streamingMode); }
 
-    int32_t getStatus() const { return status; }
+    Status getStatus() const { return status; }
     bool isLoaded() const { return status != NotLoaded; }
     KFlagSet& getMediaFlags() { return mediaFlags; }
     const KFlagSet& getMediaFlags() const { return mediaFlags; }
@@ -93,9 +95,10 @@ protected:
     void* getNativeData() const { return nativeData; }
     void setNativeData(void* data) { nativeData = data; }
     // Kernel fields for subclasses that manage the status themselves.
-    void setStatus(int32_t value) { status = value; }
+    void setStatus(Status value) { status = value; }
 
-    static void mustBeOverloaded(const char* location);
+    // A notice captioned with the caller.
+    static void mustBeOverloaded(const KSourceLocation& where = KSourceLocation::current());
 
 private:
     void enterManager();
@@ -103,7 +106,7 @@ private:
     void recheckManager();
 
     void* nativeData = nullptr;
-    int32_t status = NotLoaded;
+    Status status = NotLoaded;
     int32_t streamingMode = KMediaStreamFromFile;
     KFlagSet mediaFlags;
     std::vector<KThing*> targets;

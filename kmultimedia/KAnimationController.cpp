@@ -11,6 +11,8 @@ KAnimationController::KAnimationController(const KAnimationController& other)
 {
 }
 
+// Only two numbers are copied, which is harmless onto themselves.
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
 KAnimationController& KAnimationController::operator=(const KAnimationController& other)
 {
     timeOffset = other.timeOffset;

@@ -131,7 +131,7 @@ void KAnimationSystem::setFrameInterval(int32_t milliseconds)
     frameTimer->start();
 }
 
-void KAnimationSystem::setFrameTimerMode(int32_t mode) { frameTimer->setMode(mode); }
+void KAnimationSystem::setFrameTimerMode(KTimer::Mode mode) { frameTimer->setMode(mode); }
 
 void KAnimationSystem::setFrameTimerLag(int32_t milliseconds) { frameTimer->setMaximumLag(milliseconds); }
 

@@ -62,7 +62,7 @@ public:
     // Sets the frame interval and starts the frame timer. An interval below
     // 1 ms is refused: the catch-up divides by it.
     void setFrameInterval(int32_t milliseconds);
-    void setFrameTimerMode(int32_t mode);
+    void setFrameTimerMode(KTimer::Mode mode);
     void setFrameTimerLag(int32_t milliseconds);
     int32_t getFrameInterval() const;
     // Stops the clock: both timers stop and forget this object.

@@ -11,7 +11,10 @@ K_DEFINE_CLASS(KBresenham, KThing)
 
 namespace {
 
-int32_t clampCoordinate(int32_t value) { return std::clamp(value, -KBresenham::kMaxCoordinate, KBresenham::kMaxCoordinate); }
+int32_t clampCoordinate(int32_t value)
+{
+    return std::clamp(value, -KBresenham::kMaxCoordinate, KBresenham::kMaxCoordinate);
+}
 
 // Truncation toward zero; not a number counts as 0.
 int32_t truncated(float value)

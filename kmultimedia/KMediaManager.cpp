@@ -37,10 +37,7 @@ KMediaSupportPtr& KMediaManager::supportSlot(int32_t which)
     return speechSupport;
 }
 
-void KMediaManager::setSupport(int32_t which, KMediaSupport* support)
-{
-    supportSlot(which) = support;
-}
+void KMediaManager::setSupport(int32_t which, KMediaSupport* support) { supportSlot(which) = support; }
 
 KMediaSupport* KMediaManager::getSupport(int32_t which) const
 {
@@ -50,7 +47,7 @@ KMediaSupport* KMediaManager::getSupport(int32_t which) const
 void KMediaManager::setActiveMediaSupport(KMediaSupportFlagSet flags)
 {
     if (opened & SupportOpen) {
-        KErrorHandler::raiseError(KError::ObjectInUse, "KMediaManager::setActiveMediaSupport(KMediaSupportFlagSet F)");
+        KErrorHandler::raiseError(KError::ObjectInUse);
         return;
     }
     requested = flags;
@@ -74,7 +71,7 @@ void KMediaManager::setUp(KMediaSupportFlagSet flags)
 void KMediaManager::openMediaSupport()
 {
     if (opened & SupportOpen) {
-        KErrorHandler::raiseError(KError::ObjectInUse, "void KMediaManager::openMediaSupport()");
+        KErrorHandler::raiseError(KError::ObjectInUse);
         return;
     }
     openOne(SoundSupport);

@@ -31,10 +31,7 @@ bool KMovie::createFromFile(const KDiskObjectReference& reference)
 
 void KMovie::setFile(const KFileReference& reference) { file.setPath(reference.getPath()); }
 
-int32_t KMovie::getEngineTag() const
-{
-    return native() ? native()->engineTag() : KMovieNative::NoEngine;
-}
+int32_t KMovie::getEngineTag() const { return native() ? native()->engineTag() : KMovieNative::NoEngine; }
 
 namespace {
 
@@ -143,10 +140,7 @@ void KMovie::restart()
     native()->start();
 }
 
-bool KMovie::isDonePlaying()
-{
-    return !native() || native()->isAtEnd();
-}
+bool KMovie::isDonePlaying() { return !native() || native()->isAtEnd(); }
 
 // The player must be given its frames on every pass, even when nothing is
 // drawn, or it stalls before its end.
@@ -169,10 +163,7 @@ void KMovie::showCurrentFrame()
         frameHandler(rectangle);
 }
 
-double KMovie::getDuration()
-{
-    return native() ? native()->duration() : 0.0;
-}
+double KMovie::getDuration() { return native() ? native()->duration() : 0.0; }
 
 void KMovie::setPosition(double fraction)
 {
@@ -185,8 +176,7 @@ void KMovie::setTargetDevice(KGraphicDevice& device)
 {
     unload();
     if (isLoaded()) {
-        KErrorHandler::showMessage("unload first", "void KMovie::setTargetDevice(KGraphicDevice& Dev)",
-                                   KErrorHandler::kNoticeBoxFlags);
+        KErrorHandler::notice("unload first");
         return;
     }
     targetDevice = device;

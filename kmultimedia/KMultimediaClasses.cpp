@@ -2,20 +2,25 @@
 
 #include "graphics/KGraphicsClasses.h"
 #include "kernel/KClass.h"
+#include "kmultimedia/EditSprite.h"
+#include "kmultimedia/EditSpriteLayer.h"
+#include "kmultimedia/KAbstractMedia.h"
 #include "kmultimedia/KAnimationController.h"
 #include "kmultimedia/KAnimationObject.h"
 #include "kmultimedia/KAnimationPoint.h"
 #include "kmultimedia/KAnimationSystem.h"
 #include "kmultimedia/KAnimationVector.h"
 #include "kmultimedia/KBresenham.h"
-#include "kmultimedia/KAbstractMedia.h"
 #include "kmultimedia/KMediaFeedbackEvent.h"
 #include "kmultimedia/KMediaManager.h"
 #include "kmultimedia/KMediaSupport.h"
 #include "kmultimedia/KMovie.h"
 #include "kmultimedia/KMovieSupport.h"
-#include "kmultimedia/EditSprite.h"
-#include "kmultimedia/EditSpriteLayer.h"
+#include "kmultimedia/KSound.h"
+#include "kmultimedia/KSoundRecorder.h"
+#include "kmultimedia/KSoundSupport.h"
+#include "kmultimedia/KSpeech.h"
+#include "kmultimedia/KSpeechSupport.h"
 #include "kmultimedia/KSprite.h"
 #include "kmultimedia/KSpriteLayer.h"
 #include "kmultimedia/KSpriteSystem.h"
@@ -46,4 +51,9 @@ void kRegisterMultimediaClasses()
     KMovie::registerClass();
     KMediaSupport::registerClass();
     KMovieSupport::registerClass();
+    KSound::registerClass();
+    KSoundSupport::registerClass();
+    KSoundRecorder::registerClass();
+    KSpeech::registerClass();
+    KSpeechSupport::registerClass();
 }

@@ -237,8 +237,9 @@ bool KSprite::loadFrames(const KFileReference& first, const KFileReference& mask
     for (int32_t number = 1; number <= count; ++number) {
         KPath maskPath = singleMask ? mask.getPath() : numberedPath(mask.getPath(), number);
         KAlphaImagePtr image(new KAlphaImage());
-        allLoaded = image->createFromPaths(numberedPath(first.getPath(), number).getNativeText(), maskPath.getNativeText())
-            && allLoaded;
+        allLoaded
+            = image->createFromPaths(numberedPath(first.getPath(), number).getNativeText(), maskPath.getNativeText())
+              && allLoaded;
         frames.add(*image);
     }
     return allLoaded;

@@ -13,7 +13,8 @@
 class KSpriteLayer : public KThing {
     K_DECLARE_CLASS(KSpriteLayer)
 public:
-    enum SortMode : int32_t { NoSort = 0, SortByY = 1 };
+    enum class SortMode : int32_t { NoSort = 0, SortByY = 1 };
+    using enum SortMode;
 
     KSpriteLayer();
     KSpriteLayer(const KSpriteLayer&) = delete;
@@ -51,8 +52,8 @@ public:
     KBag& getSprites() { return sprites; }
     int32_t getSpriteCount() const { return sprites.getSize(); }
     KSprite* getSpriteAt(int32_t index) const;
-    int32_t getSortMode() const { return sortMode; }
-    void setSortMode(int32_t mode) { sortMode = mode; }
+    SortMode getSortMode() const { return sortMode; }
+    void setSortMode(SortMode mode) { sortMode = mode; }
     const KGraphicPoint& getLayerOrigin() const { return layerOrigin; }
     void setLayerOrigin(const KGraphicPoint& origin) { layerOrigin = origin; }
 
@@ -60,7 +61,7 @@ protected:
     // Not counted: the system holds the layer.
     KSpriteSystem* system = nullptr;
     KBag sprites;
-    int32_t sortMode = NoSort;
+    SortMode sortMode = NoSort;
     KGraphicPoint layerOrigin;
 
 private:

@@ -20,9 +20,6 @@ K_DEFINE_CLASS(KSpriteSystem, KAnimationSystem)
 
 namespace {
 
-constexpr const char* kSetBackgroundLocation = "KSpriteSystem::setBackground(KImage& Img)";
-constexpr const char* kUpdateBackgroundLocation = "KSpriteSystem::updateBackground(KImage& Img)";
-
 void prepareList(KBag& bag)
 {
     bag.setGrowSize(KAnimationSystem::kListRoom);
@@ -108,10 +105,7 @@ KSpriteLayer* KSpriteSystem::getLayerAt(int32_t index) const
     return static_cast<KSpriteLayer*>(layers.getAt(index));
 }
 
-KGraphicRectangle KSpriteSystem::bufferBounds() const
-{
-    return offscreen ? wholeOf(*offscreen) : KGraphicRectangle();
-}
+KGraphicRectangle KSpriteSystem::bufferBounds() const { return offscreen ? wholeOf(*offscreen) : KGraphicRectangle(); }
 
 // --- Layers ------------------------------------------------------------------
 
@@ -206,7 +200,7 @@ void KSpriteSystem::createBackground()
 {
     clearBackgroundImage();
     if (!device) {
-        KErrorHandler::raiseError(KError::SpriteNoTargetDevice, kSetBackgroundLocation);
+        KErrorHandler::raiseError(KError::SpriteNoTargetDevice);
         return;
     }
     background = kAdopt(new KImage(bufferRect.getSize()));
@@ -215,7 +209,7 @@ void KSpriteSystem::createBackground()
 void KSpriteSystem::setBackground(KImage& image)
 {
     if (!device) {
-        KErrorHandler::raiseError(KError::SpriteNoTargetDevice, kSetBackgroundLocation);
+        KErrorHandler::raiseError(KError::SpriteNoTargetDevice);
         return;
     }
     KImagePtr held(image);
@@ -227,7 +221,7 @@ void KSpriteSystem::setBackground(KImage& image)
 void KSpriteSystem::updateBackground(KImage& image)
 {
     if (!device || !background) {
-        KErrorHandler::raiseError(KError::SpriteNoTargetDevice, kUpdateBackgroundLocation);
+        KErrorHandler::raiseError(KError::SpriteNoTargetDevice);
         return;
     }
     KGraphicRectangle whole = wholeOf(*background);
@@ -496,7 +490,8 @@ void KSpriteSystem::restoreRow(uint32_t* row, const KPixelBuffer& under, const K
         int32_t frameRow = y - sprite.y;
         if (frameRow < 0 || frameRow >= sprite.frame->getHeight())
             continue;
-        for (const KMaskedFrame::Run* run = sprite.frame->rowBegin(frameRow); run != sprite.frame->rowEnd(frameRow); ++run) {
+        for (const KMaskedFrame::Run* run = sprite.frame->rowBegin(frameRow); run != sprite.frame->rowEnd(frameRow);
+             ++run) {
             if (run->kind != KMaskedFrame::RunKind::Cover)
                 continue;
             int32_t start = std::max<int32_t>(area.x, sprite.x + run->x);

@@ -34,7 +34,8 @@ struct KPixelBuffer;
 class KSpriteSystem : public KAnimationSystem {
     K_DECLARE_CLASS(KSpriteSystem)
 public:
-    enum UpdateMode : int32_t { Full = 0, Incremental = 1, Rectangles = 2 };
+    enum class UpdateMode : int32_t { Full = 0, Incremental = 1, Rectangles = 2 };
+    using enum UpdateMode;
 
     KSpriteSystem();
     ~KSpriteSystem() override;
@@ -68,8 +69,8 @@ public:
     void setBackground(KImage& image);
     // Draws the image stretched over the background and invalidates it all.
     void updateBackground(KImage& image);
-    void setUpdateMode(int32_t mode) { updateMode = mode; }
-    int32_t getUpdateMode() const { return updateMode; }
+    void setUpdateMode(UpdateMode mode) { updateMode = mode; }
+    UpdateMode getUpdateMode() const { return updateMode; }
     // The background changed in the rectangle (buffer terms).
     void invalidate(const KGraphicRectangle& rectangle);
     // The buffer over the device's bounds, or into the rectangle.
@@ -139,7 +140,7 @@ private:
     KBag dirtySprites;
     KBag removalSprites;
     KBag extraRects;
-    int32_t updateMode = Full;
+    UpdateMode updateMode = Full;
     KImagePtr offscreen;
     KGraphicRectangle destinationRect;
     KGraphicRectangle bufferRect;

@@ -127,7 +127,7 @@ bool StylusSpriteSystem::removeLayer(KSpriteLayer& layer)
 
 void StylusSpriteSystem::keepEditLayerOnTop() { spriteSystem->moveLayerToTop(*editLayer); }
 
-void StylusSpriteSystem::setUpdateMode(int32_t mode) { spriteSystem->setUpdateMode(mode); }
+void StylusSpriteSystem::setUpdateMode(KSpriteSystem::UpdateMode mode) { spriteSystem->setUpdateMode(mode); }
 
 void StylusSpriteSystem::redrawAll() { spriteSystem->redrawAll(); }
 

@@ -4,6 +4,7 @@
 #include "graphics/KGraphicRectangle.h"
 #include "graphics/KGraphicSize.h"
 #include "kmultimedia/KMultimediaForward.h"
+#include "kmultimedia/KSpriteSystem.h"
 #include "windowing/KLayer.h"
 
 // The scene of the page as a layer of the main window. It owns the page's
@@ -53,7 +54,7 @@ public:
     // Further layers stand below the edit frame.
     void addLayer(KSpriteLayer& layer);
     bool removeLayer(KSpriteLayer& layer);
-    void setUpdateMode(int32_t mode);
+    void setUpdateMode(KSpriteSystem::UpdateMode mode);
     void redrawAll();
     // Runs a frame now, as the frame timer would.
     void drawFrame();

@@ -17,14 +17,8 @@ KString projectResolutionRefusal(int32_t width, int32_t height, int32_t screenWi
 {
     if (width <= screenWidth && height <= screenHeight)
         return KString();
-    KString text = tapeTranslate("This document's resolution (");
-    text += number(width);
-    text += ",";
-    text += number(height);
-    text += tapeTranslate(") exceeds screen resolution (");
-    text += number(screenWidth);
-    text += ",";
-    text += number(screenHeight);
-    text += tapeTranslate("); this document cannot be opened.");
-    return text;
+    // TRANSLATORS: %1 is the story's page size and %2 the screen's, as "1024,768".
+    return tapeTranslate("This document's resolution (%1) exceeds the screen resolution (%2); this document cannot "
+                         "be opened.")
+        .withArguments({ number(width) + "," + number(height), number(screenWidth) + "," + number(screenHeight) });
 }

@@ -116,7 +116,7 @@ void warnIfNewer(const KDocument& document)
 {
     if (document.isDataIgnored() || document.getVersion() > StylusProject::kDocumentVersion)
         TapeHost::get().alert(tapeTranslate("Load Project"),
-                              tapeTranslate("It seams that this project is of a newer version; some data was ignored"));
+                              tapeTranslate("It seems that this project is of a newer version; some data was ignored"));
 }
 
 template<class T>
@@ -246,6 +246,7 @@ bool StylusProject::save(const KFileReference& reference)
         document.setFile(*new KFileReference(reference));
         fillDocument(document);
         saved = document.save();
+        lastSaveError = saved ? 0 : document.getFileError();
         document.clear();
     }
     if (!saved) {
@@ -377,21 +378,8 @@ void StylusProject::writeToFile(KFile& out, int32_t version)
 void StylusProject::readFromFile(KFile& in)
 {
     setTape(*new Tape());
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(in, classRecord, &version, &sections);
-    int32_t id = 0;
-    while (reader.nextSection(&id)) {
-        if (id == kMainSection) {
-            tape->readFromFile(in);
-            if (!in.getError() && reader.sectionBytesLeft() > 0)
-                reader.skipSection();
-        } else {
-            reader.skipSection();
-        }
-    }
-    reader.end();
+    auto readMain = [&](int32_t) { tape->readFromFile(in); };
+    KClassReader::readSections(in, classRecord, { { kMainSection, readMain } });
 }
 
 void StylusProject::describe(KJsonWriter& out) const

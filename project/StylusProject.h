@@ -80,6 +80,9 @@ public:
     bool save(const KFileReference& reference);
     // With the file held; false when there is none.
     bool save();
+    // The kernel file code of the last save that failed (36 for a full
+    // disk), 0 after one that succeeded.
+    int32_t getLastSaveError() const { return lastSaveError; }
     // Reads the document and takes its tape. A file that cannot be read is
     // tried once more after the retry delay, then refused with a message;
     // the tape stays as it was then. Old documents (STT) are refused.
@@ -114,4 +117,5 @@ private:
     KDirectoryPtr mediaDirectory;
     TapePtr tape;
     KDirectoryPtr actorsDirectory;
+    int32_t lastSaveError = 0;
 };

@@ -149,25 +149,16 @@ void Stroke::writeToFile(KFile& file, int32_t version)
 
 void Stroke::readFromFile(KFile& file)
 {
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, classRecord, &version, &sections);
-    int32_t id = 0;
     KBag read;
-    while (reader.nextSection(&id)) {
-        if (id != 1) {
-            reader.skipSection();
-            continue;
-        }
+    auto readMain = [&](int32_t) {
         TapeGraphicObject::readFromFile(file);
         setType(StrokeType);
         read.readFromFile(file);
         brushWidth = file.readShort();
         brushHeight = file.readShort();
         colour.readFromFile(file);
-    }
-    reader.end();
+    };
+    KClassReader::readSections(file, classRecord, { { 1, readMain } });
     takePoints(read);
     noteChanged();
 }

@@ -33,7 +33,8 @@ public:
     void playStep() override;
     void drawOnPage() override;
     void drawOn(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target) override;
-    void drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target) override;
+    void drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source,
+                         const KGraphicRectangle& target) override;
     void drawSilhouette(KGraphicDevice& device, const KGraphicRectangle& from, const KGraphicRectangle& to) override;
     void mirror(bool horizontal, int16_t centre) override;
     void redrawOver() override;

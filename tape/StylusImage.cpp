@@ -129,7 +129,8 @@ void StylusImage::drawOn(KGraphicDevice& device, const KGraphicRectangle& source
     drawInto(device, movedLike(getBounds(), source, target));
 }
 
-void StylusImage::drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target)
+void StylusImage::drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source,
+                                  const KGraphicRectangle& target)
 {
     KGraphicRectangle destination = movedLike(getBounds(), source, target);
     drawInto(device, destination);
@@ -261,46 +262,26 @@ void StylusImage::resetFields()
     flipY = false;
 }
 
-void StylusImage::readOwnSection(KFile& file, int32_t id)
-{
-    switch (id) {
-    case 1:
-        TapeGraphicObject::readFromFile(file);
-        setType(ImageType);
-        tapeReadMediaReference(file, imageFile);
-        transparentWhite = file.readBool();
-        break;
-    case 2:
-        flipX = file.readBool();
-        flipY = file.readBool();
-        break;
-    case 3:
-        blurFilter = file.readBool();
-        threshold = file.readLong();
-        break;
-    default:
-        break;
-    }
-}
-
 // Sections the file lacks leave their defaults: a document from before
 // the blurred mask has no section 3.
 void StylusImage::readFromFile(KFile& file)
 {
     resetFields();
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, classRecord, &version, &sections);
-    int32_t id = 0;
-    while (reader.nextSection(&id)) {
-        if (id < 1 || id > 3) {
-            reader.skipSection();
-            continue;
-        }
-        readOwnSection(file, id);
-    }
-    reader.end();
+    auto readMain = [&](int32_t) {
+        TapeGraphicObject::readFromFile(file);
+        setType(ImageType);
+        tapeReadMediaReference(file, imageFile);
+        transparentWhite = file.readBool();
+    };
+    auto readFlips = [&](int32_t) {
+        flipX = file.readBool();
+        flipY = file.readBool();
+    };
+    auto readBlur = [&](int32_t) {
+        blurFilter = file.readBool();
+        threshold = file.readLong();
+    };
+    KClassReader::readSections(file, classRecord, { { 1, readMain }, { 2, readFlips }, { 3, readBlur } });
     noteChanged();
 }
 

@@ -29,7 +29,8 @@ public:
     void playStep() override;
     void stopPlaying() override;
     void drawOn(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target) override;
-    void drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target) override;
+    void drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source,
+                         const KGraphicRectangle& target) override;
     void drawSilhouette(KGraphicDevice& device, const KGraphicRectangle& from, const KGraphicRectangle& to) override;
     void mirror(bool horizontal, int16_t centre) override;
     void redrawOver() override;
@@ -62,7 +63,6 @@ private:
     KImagePtr makeMask(KImage& picture) const;
     void drawInto(KGraphicDevice& device, const KGraphicRectangle& destination);
     void resetFields();
-    void readOwnSection(KFile& file, int32_t id);
 
     KFileReference imageFile;
     bool transparentWhite = false;

@@ -135,7 +135,8 @@ void StylusMovie::drawOn(KGraphicDevice& device, const KGraphicRectangle& source
     drawPoster(device, movedLike(getBounds(), source, target));
 }
 
-void StylusMovie::drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target)
+void StylusMovie::drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source,
+                                  const KGraphicRectangle& target)
 {
     KGraphicRectangle destination = movedLike(getBounds(), source, target);
     drawPoster(device, destination);
@@ -346,23 +347,14 @@ void StylusMovie::readFromFile(KFile& file)
     movieFile = KFileReference();
     canBeStopped = false;
     volume = 1.0;
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, classRecord, &version, &sections);
-    int32_t id = 0;
-    while (reader.nextSection(&id)) {
-        if (id != 1) {
-            reader.skipSection();
-            continue;
-        }
+    auto readMain = [&](int32_t) {
         TapeGraphicObject::readFromFile(file);
         setType(MovieType);
         tapeReadMediaReference(file, movieFile);
         canBeStopped = file.readBool();
         volume = file.readDouble();
-    }
-    reader.end();
+    };
+    KClassReader::readSections(file, classRecord, { { 1, readMain } });
     noteChanged();
 }
 

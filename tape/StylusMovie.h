@@ -29,7 +29,8 @@ public:
     void playStep() override;
     void stopPlaying() override;
     void drawOn(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target) override;
-    void drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target) override;
+    void drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source,
+                         const KGraphicRectangle& target) override;
     void drawSilhouette(KGraphicDevice& device, const KGraphicRectangle& from, const KGraphicRectangle& to) override;
     void redrawOver() override;
     bool findMissingMedia(KDirectory& directory, KDirectory* second) override;

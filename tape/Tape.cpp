@@ -51,7 +51,9 @@ Tape::Tape()
 }
 
 // Each element is copied by its own class; numbers without a class (the
-// old relay macros, anything out of range) are left out.
+// old relay macros, anything out of range) are left out; so the bag's own
+// copy is not wanted.
+// NOLINTNEXTLINE(bugprone-copy-constructor-init)
 Tape::Tape(const Tape& other)
     : KBag()
     , playTimer(new KTimer())

@@ -26,7 +26,8 @@
 class Tape : public KBag {
     K_DECLARE_CLASS(Tape)
 public:
-    enum PlayState : int32_t { Stopped = 0, Playing = 1, Paused = 2 };
+    enum class PlayState : int32_t { Stopped = 0, Playing = 1, Paused = 2 };
+    using enum PlayState;
     enum FrameKind : int32_t { Story = 0, ActorFrame = 1 };
     enum FlagBit : int32_t {
         Modified = 1 << 0,
@@ -56,7 +57,7 @@ public:
 
     int32_t getPosition() const { return position; }
     int32_t getCount() const { return getSize(); }
-    int32_t getPlayState() const { return playState; }
+    PlayState getPlayState() const { return playState; }
     bool isPlaying() const { return playState == Playing; }
     int32_t getPlayIndex() const { return playIndex; }
     // Cut to 0 .. count - 1.
@@ -248,7 +249,7 @@ private:
     KThing* ownerProject = nullptr;
     KDirectoryPtr mediaDirectory;
     KFlagSet flags;
-    int32_t playState = Stopped;
+    PlayState playState = Stopped;
     int32_t frameKind = Story;
     KGraphicSize pageSize;
     int32_t position = 0;

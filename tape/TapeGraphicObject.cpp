@@ -93,20 +93,11 @@ void tapeDescribeColour(KJsonWriter& out, const char* name, const KColor& colour
 
 void TapeGraphicObject::readFromFile(KFile& file)
 {
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, classRecord, &version, &sections);
-    int32_t id = 0;
-    while (reader.nextSection(&id)) {
-        if (id != 1) {
-            reader.skipSection();
-            continue;
-        }
+    auto readMain = [&](int32_t) {
         TapeObject::readFromFile(file);
         bounds.readFromFile(file);
-    }
-    reader.end();
+    };
+    KClassReader::readSections(file, classRecord, { { 1, readMain } });
     noteChanged();
 }
 

@@ -90,7 +90,8 @@ void TapeHost::collectMediaFile(KFileReference&, KDirectory&, KDirectory&) { }
 
 void TapeHost::refuseMediaName(const KString& name)
 {
-    std::fprintf(stderr, "TaleLoom: the media name \"%s\" points outside the project folder and was ignored.\n", name.c_str());
+    std::fprintf(stderr, "TaleLoom: the media name \"%s\" points outside the project folder and was ignored.\n",
+                 name.c_str());
 }
 void TapeHost::checkSpeechEngine() { }
 void TapeHost::checkMovieEngine() { }

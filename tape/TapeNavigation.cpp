@@ -9,8 +9,8 @@ namespace {
 
 // The kinds of the navigation palette, by the type they stand for.
 constexpr int32_t kKindTypes[] = {
-    StrokeType, TextType, SoundType, SpeechType, ActorActionType,
-    PageTransitionType, WaitType, MovieType, ImageType, RelayMacroType,
+    StrokeType,         TextType, SoundType, SpeechType, ActorActionType,
+    PageTransitionType, WaitType, MovieType, ImageType,  RelayMacroType,
 };
 constexpr int32_t kKindCount = int32_t(sizeof(kKindTypes) / sizeof(kKindTypes[0]));
 

@@ -14,7 +14,8 @@
 namespace {
 
 const char* const kTypeNames[] = {
-    "None", "Wait", "Stroke", "Text", "Speech", "Pause", "Sound", "Page Transition", "Relay Macro", "Movie", "Image", "Actor",
+    "None",        "Wait",  "Stroke", "Text",  "Speech", "Pause", "Sound", "Page Transition",
+    "Relay Macro", "Movie", "Image",  "Actor",
 };
 constexpr int32_t kTypeNameCount = int32_t(sizeof(kTypeNames) / sizeof(kTypeNames[0]));
 
@@ -65,7 +66,7 @@ TapePage* TapeObject::getPage() const { return tape ? tape->getSpriteSystem() : 
 KString TapeObject::getTypeName(int32_t typeNumber)
 {
     if (typeNumber < 0 || typeNumber >= kTypeNameCount) {
-        KErrorHandler::raiseError(KError::IndexOutOfRange, "KString TapeObject::getTypeName(long Type)");
+        KErrorHandler::raiseError(KError::IndexOutOfRange);
         return KString();
     }
     return KString(kTypeNames[typeNumber]);
@@ -121,21 +122,12 @@ void TapeObject::writeToFile(KFile& file, int32_t version)
 
 void TapeObject::readFromFile(KFile& file)
 {
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, classRecord, &version, &sections);
-    int32_t id = 0;
-    while (reader.nextSection(&id)) {
-        if (id != 1) {
-            reader.skipSection();
-            continue;
-        }
+    auto readMain = [&](int32_t) {
         type = file.readShort();
         active = file.readBool();
         bookmark.readFromFile(file);
-    }
-    reader.end();
+    };
+    KClassReader::readSections(file, classRecord, { { 1, readMain } });
     noteChanged();
 }
 

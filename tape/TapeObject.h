@@ -77,7 +77,8 @@ public:
     virtual void drawOn(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target);
     // The mark that shows which element is the current one. The default is
     // the icon of the element's type in the upper right corner.
-    virtual void drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target);
+    virtual void drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source,
+                                 const KGraphicRectangle& target);
     virtual void drawSilhouette(KGraphicDevice& device, const KGraphicRectangle& from, const KGraphicRectangle& to);
     virtual void mirror(bool horizontal, int16_t centre);
     virtual void redrawOver();

@@ -51,23 +51,10 @@ void Tape::describe(KJsonWriter& out) const
 void Tape::readFromFile(KFile& file)
 {
     resetForRead();
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, classRecord, &version, &sections);
-    int32_t id = 0;
-    while (reader.nextSection(&id)) {
-        if (id == kMainSection) {
-            readMainSection(file);
-        } else if (id == kLockSection && reader.getSectionSize() >= int32_t(sizeof(int32_t))) {
-            lockPosition = file.readLong();
-            if (reader.sectionBytesLeft() > 0)
-                reader.skipSection();
-        } else {
-            reader.skipSection();
-        }
-    }
-    reader.end();
+    auto readMain = [&](int32_t) { readMainSection(file); };
+    auto readLock = [&](int32_t) { lockPosition = file.readLong(); };
+    KClassReader::readSections(file, classRecord,
+                               { { kMainSection, readMain }, { kLockSection, readLock, int32_t(sizeof(int32_t)) } });
     adoptReadElements();
 }
 

@@ -8,6 +8,7 @@
 #include "kernel/KDirectory.h"
 #include "kernel/KFile.h"
 #include "kernel/KJsonWriter.h"
+#include "kernel/KLocalizer.h"
 #include "tape/Tape.h"
 #include "tape/TapeHost.h"
 #include "tape/TapePage.h"
@@ -18,7 +19,10 @@
 namespace {
 
 const char* const kEffectNames[WipeOut::kEffectCount] = {
-    "Cut", "Fade", "Zoom In", "Zoom Out", "Wipe Left", "Wipe Right", "Wipe Up", "Wipe Down", "CheckerBoard", "Venetian Blinds",
+    kTranslatable("Hard Cut"),        kTranslatable("Fade"),      kTranslatable("Zoom In"),
+    kTranslatable("Zoom Out"),        kTranslatable("Wipe Left"), kTranslatable("Wipe Right"),
+    kTranslatable("Wipe Up"),         kTranslatable("Wipe Down"), kTranslatable("CheckerBoard"),
+    kTranslatable("Venetian Blinds"),
 };
 
 constexpr int32_t kDefaultSteps = 100;
@@ -135,16 +139,7 @@ void WipeOut::writeToFile(KFile& file, int32_t version)
 
 void WipeOut::readFromFile(KFile& file)
 {
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, classRecord, &version, &sections);
-    int32_t id = 0;
-    while (reader.nextSection(&id)) {
-        if (id != 1) {
-            reader.skipSection();
-            continue;
-        }
+    auto readMain = [&](int32_t) {
         TapeGraphicObject::readFromFile(file);
         setType(PageTransitionType);
         colour.readFromFile(file);
@@ -152,8 +147,8 @@ void WipeOut::readFromFile(KFile& file)
         effect = file.readShort();
         background = file.readShort();
         removesActors = file.readBool();
-    }
-    reader.end();
+    };
+    KClassReader::readSections(file, classRecord, { { 1, readMain } });
     noteChanged();
 }
 

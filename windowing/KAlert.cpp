@@ -54,7 +54,7 @@ void KAlert::setImage(KImage* value)
     invalidate();
 }
 
-void KAlert::open(int32_t mode, int32_t standardButtons)
+void KAlert::open(OpenMode mode, int32_t standardButtons)
 {
     beep();
     KDialog::open(mode, standardButtons);

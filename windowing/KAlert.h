@@ -13,7 +13,7 @@ public:
     ~KAlert() override;
 
     using KDialog::open;
-    void open(int32_t mode, int32_t standardButtons) override;
+    void open(OpenMode mode, int32_t standardButtons) override;
     KEventReturn doPaint(KWindowEvent& event) override;
 
     void setText(const KString& text);

@@ -257,16 +257,14 @@ void KApplication::idleIdlers()
 void KApplication::createWindowManager(KClass* windowManagerClass)
 {
     if (KWindowManager::current()) {
-        KErrorHandler::raiseError(KError::DuplicateWindowManager,
-                                  "void KApplication::createWindowManager(KClass& WindowManagerClass)");
+        KErrorHandler::raiseError(KError::DuplicateWindowManager);
         return;
     }
     if (!windowManagerClass)
         return;
     KThing* manager = windowManagerClass->createObject();
     if (!manager || !manager->isEqualOrSubClass(KWindowManager::classRecord)) {
-        KErrorHandler::raiseError(KError::ParameterError,
-                                  "void KApplication::createWindowManager(KClass& WindowManagerClass)");
+        KErrorHandler::raiseError(KError::ParameterError);
         if (manager)
             delete manager;
         return;
@@ -277,16 +275,14 @@ void KApplication::createWindowManager(KClass* windowManagerClass)
 void KApplication::createMainWindow(KClass* mainWindowClass)
 {
     if (mainWindow) {
-        KErrorHandler::raiseError(KError::DuplicateMainWindow,
-                                  "void KApplication::createMainWindow(KClass& MainWindowClass)");
+        KErrorHandler::raiseError(KError::DuplicateMainWindow);
         closeMainWindow();
     }
     if (!mainWindowClass)
         return;
     KThing* created = mainWindowClass->createObject();
     if (!created || !created->isEqualOrSubClass(KWindow::classRecord)) {
-        KErrorHandler::raiseError(KError::NoMainWindow,
-                                  "void KApplication::createMainWindow(KClass& MainWindowClass)");
+        KErrorHandler::raiseError(KError::NoMainWindow);
         if (created)
             delete created;
         return;
@@ -358,8 +354,8 @@ void KApplication::setVersion(int16_t major, int16_t minor, int16_t release)
 
 KString KApplication::getVersionText() const
 {
-    std::string text = std::to_string(versionMajor) + "." + std::to_string(versionMinor) + "."
-        + std::to_string(versionRelease);
+    std::string text
+        = std::to_string(versionMajor) + "." + std::to_string(versionMinor) + "." + std::to_string(versionRelease);
     return KString(text.c_str());
 }
 

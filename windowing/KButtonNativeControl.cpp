@@ -1,6 +1,7 @@
 #include "windowing/KButtonNativeControl.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KJsonWriter.h"
 #include "windowing/KControlActionEvent.h"
 #include "windowing/KNativeEvent.h"
 
@@ -38,4 +39,10 @@ bool KButtonNativeControl::describeNative(KNativeControlSetup& setup) const
     setup.kind = KNativeControlKind::Button;
     setup.isDefault = isDefaultButton;
     return true;
+}
+
+void KButtonNativeControl::describe(KJsonWriter& out) const
+{
+    KControl::describe(out);
+    out.member("default", isDefaultButton);
 }

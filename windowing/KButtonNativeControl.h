@@ -20,6 +20,8 @@ public:
     // What a click does: the action, processed at once.
     KEventReturn click();
     KEventReturn doNativeEvent(KNativeEvent& event) override;
+    const char* getKindName() const override { return "button"; }
+    void describe(KJsonWriter& out) const override;
 
 protected:
     bool describeNative(KNativeControlSetup& setup) const override;

@@ -19,10 +19,7 @@ bool isOptionLetter(char c)
     return std::strchr(kOptionLetters, std::toupper(static_cast<unsigned char>(c))) != nullptr;
 }
 
-bool isOption(const std::string& token)
-{
-    return token.size() == 2 && isSwitch(token[0]) && isOptionLetter(token[1]);
-}
+bool isOption(const std::string& token) { return token.size() == 2 && isSwitch(token[0]) && isOptionLetter(token[1]); }
 
 KString toKString(const std::string& text)
 {
@@ -80,4 +77,4 @@ void parse(const KString& line, std::vector<KString>& files, std::vector<KString
     }
 }
 
-}
+} // namespace KCommandLine

@@ -18,4 +18,4 @@ KString join(int32_t count, const char* const* arguments);
 // without its switch character.
 void parse(const KString& line, std::vector<KString>& files, std::vector<KString>& options);
 
-}
+} // namespace KCommandLine

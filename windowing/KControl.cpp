@@ -1,6 +1,9 @@
 #include "windowing/KControl.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KJsonWriter.h"
+#include "windowing/KControlActionEvent.h"
+#include "windowing/KNativeEvent.h"
 #include "windowing/KNativeLayer.h"
 #include "windowing/KWindow.h"
 
@@ -110,6 +113,33 @@ void KControl::setText(const KString& value)
         KNativeLayer::get().setControlText(nativeControl, text.c_str());
     draw();
 }
+
+const char* KControl::getKindName() const { return "control"; }
+
+void KControl::describe(KJsonWriter& out) const
+{
+    out.member("kind", getKindName());
+    out.member("id", getId());
+    out.member("text", text);
+    KWideRectangle bounds = getWindowBounds();
+    out.key("bounds");
+    out.beginObject();
+    out.member("x", bounds.x);
+    out.member("y", bounds.y);
+    out.member("width", bounds.width);
+    out.member("height", bounds.height);
+    out.endObject();
+    out.member("enabled", isEnabled());
+    out.member("visible", isVisible());
+}
+
+int32_t KControl::notificationOf(const KNativeEvent& event)
+{
+    const KNativeRecord* record = event.getNativeRecord();
+    return record ? record->param1 : -1;
+}
+
+KEventReturn KControl::sendAction(int32_t type) { return processNow(new KControlActionEvent(type, this)); }
 
 // --- Tree ----------------------------------------------------------------------
 

@@ -27,6 +27,12 @@ public:
     void hide() override;
 
     virtual void setText(const KString& text);
+    // What kind of control this is, in the words of the state file
+    // ("button", "checkBox", ...).
+    virtual const char* getKindName() const;
+    // The control for the state file: kind, id, text, bounds, enabled and
+    // visible; each kind adds its value.
+    void describe(KJsonWriter& out) const override;
     const KString& getText() const { return text; }
     void setTooltip(const KString& text) { tooltip = text; }
     const KString& getTooltip() const { return tooltip; }
@@ -73,6 +79,12 @@ public:
 protected:
     // Fills the native widget's description; false for a drawn control.
     virtual bool describeNative(KNativeControlSetup& setup) const;
+    // Keeps a text the native widget already shows.
+    void storeText(const KString& value) { text = value; }
+    // The notification code of a native event, -1 when it carries none.
+    static int32_t notificationOf(const KNativeEvent& event);
+    // The control's action of the type, processed at once.
+    KEventReturn sendAction(int32_t type);
 
 private:
     void placeNative();

@@ -64,7 +64,7 @@ KControl* KControlsLayer::getControl(const KGraphicPoint& point) const
 {
     KControl* control = findControl(point);
     if (!control)
-        KErrorHandler::raiseError(KError::PointerNull, "KControl& KControlsLayer::getControl(KGraphicPoint& P) const");
+        KErrorHandler::raiseError(KError::PointerNull);
     return control;
 }
 

@@ -78,7 +78,7 @@ void KCursorManager::noteDown(KMouseEvent& event)
     int32_t elapsed = kTimeDifference(h.lastTime, h.previousTime);
     bool nearInTime = hadPrevious && elapsed >= 0 && elapsed < doubleTime;
     bool nearInSpace = hadPrevious && std::abs(h.lastPoint.x - h.previousPoint.x) < distance
-        && std::abs(h.lastPoint.y - h.previousPoint.y) < distance;
+                       && std::abs(h.lastPoint.y - h.previousPoint.y) < distance;
     int32_t flags = event.getClickFlags() & ~(KMouseEvent::DoubleClick | KMouseEvent::SamePosition);
     if (nearInSpace)
         flags |= KMouseEvent::SamePosition;
@@ -307,7 +307,7 @@ void KCursorManager::windowClosed(KWindow& window)
 
 // --- Shape -------------------------------------------------------------------------------
 
-void KCursorManager::setCursor(int32_t id)
+void KCursorManager::setCursor(KCursorShape id)
 {
     if (animationTimer) {
         animationTimer->stop();

@@ -2,6 +2,7 @@
 
 #include "graphics/KGraphicPoint.h"
 #include "kernel/KThingPtr.h"
+#include "windowing/KNativeTypes.h"
 #include "windowing/KWindowingForward.h"
 
 // Routes the mouse events and owns the cursor's shape and the mouse
@@ -33,9 +34,8 @@ public:
     // capture may have.
     void refresh(const KGraphicPoint& point);
 
-    // 0 normal, 1 wait (KCursorShape).
-    void setCursor(int32_t id);
-    int32_t getCursor() const { return cursorId; }
+    void setCursor(KCursorShape id);
+    KCursorShape getCursor() const { return cursorId; }
     // The busy cursor, counted: the shape before the first beginWait comes
     // back with the last endWait.
     void beginWait();
@@ -84,10 +84,10 @@ private:
     KWindowPtr capturedWindow;
     KGraphicPoint lastPosition;
     bool positionKnown = false;
-    int32_t cursorId = 0;
+    KCursorShape cursorId = KCursorShape::Normal;
     int32_t hideCount = 0;
     int32_t waitDepth = 0;
-    int32_t cursorBeforeWait = 0;
+    KCursorShape cursorBeforeWait = KCursorShape::Normal;
     KTimerPtr animationTimer;
     int32_t grid = 1;
 };

@@ -2,6 +2,7 @@
 
 #include "kernel/KClass.h"
 #include "kernel/KErrorHandler.h"
+#include "kernel/KLocalizer.h"
 #include "windowing/KActionEvent.h"
 #include "windowing/KApplication.h"
 #include "windowing/KButtonNativeControl.h"
@@ -37,7 +38,7 @@ private:
 };
 
 constexpr int32_t kStandardButtons[3] = { KDialog::OkButton, KDialog::CancelButton, KDialog::ApplyButton };
-constexpr const char* kButtonKeys[3] = { "OK", "Cancel", "Apply" };
+constexpr const char* kButtonKeys[3] = { kTranslatable("OK"), kTranslatable("Cancel"), kTranslatable("Apply") };
 
 } // namespace
 
@@ -84,14 +85,14 @@ KNativeWindowSetup KDialog::makeNativeSetup() const
     return setup;
 }
 
-void KDialog::open(int32_t mode) { open(mode, standardButtons); }
+void KDialog::open(OpenMode mode) { open(mode, standardButtons); }
 
-void KDialog::open(int32_t mode, int32_t bits)
+void KDialog::open(OpenMode mode, int32_t bits)
 {
     if (isOpen())
-        knsFatalError("KDialog::open()", "Already Open.");
+        KErrorHandler::fatal("Already Open.");
     standardButtons = bits;
-    openWith(mode, makeNativeSetup(), "KDialog::open(OpenMode Mode, long StandardButtons)");
+    openWith(mode, makeNativeSetup());
     if (!isOpen())
         return;
     makeButtons();
@@ -127,7 +128,7 @@ void KDialog::placeButtons()
     }
 }
 
-int32_t KDialog::runModal(int32_t mode)
+int32_t KDialog::runModal(OpenMode mode)
 {
     KDialogPtr self(this);
     open(mode);

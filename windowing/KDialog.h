@@ -21,12 +21,12 @@ public:
 
     // Opens with the standard buttons set before (OK and Cancel unless
     // told otherwise).
-    void open(int32_t mode) override;
-    virtual void open(int32_t mode, int32_t standardButtons);
+    void open(OpenMode mode) override;
+    virtual void open(OpenMode mode, int32_t standardButtons);
     // Opens the dialog and turns the event loop, never blocking for more
     // than a moment, until the dialog is closed; the windows behind it are
     // disabled meanwhile. Returns the result.
-    virtual int32_t runModal(int32_t mode = Normal);
+    virtual int32_t runModal(OpenMode mode = Normal);
     KEventReturn doClose(KWindowEvent& event) override;
     KEventReturn doControlAction(KControlActionEvent& event) override;
     // A standard button was pressed: OK and Cancel end the dialog with

@@ -128,8 +128,7 @@ bool KDialogHandler::doSelectDirectoryDialog(KDirectory& directory, const KStrin
 
 bool KDialogHandler::doSelectVolumeDialog(KVolume&)
 {
-    KErrorHandler::showMessage("Not Yet Implemented!", "bool KDialogHandler::doSelectVolumeDialog(KVolume& Obj)",
-                               KErrorHandler::kNoticeBoxFlags);
+    KErrorHandler::notice("Not Yet Implemented!");
     return false;
 }
 

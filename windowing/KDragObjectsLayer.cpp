@@ -50,8 +50,7 @@ KDragObject* KDragObjectsLayer::getDragObject(const KGraphicPoint& point) const
 {
     KDragObject* object = findDragObject(point);
     if (!object)
-        KErrorHandler::raiseError(KError::PointerNull,
-                                  "KDragObject& KDragObjectsLayer::getDragObject(KGraphicPoint& P) const");
+        KErrorHandler::raiseError(KError::PointerNull);
     return object;
 }
 

@@ -63,32 +63,63 @@ KEvent* applicationActivationEvent(const KNativeRecord& record)
     return new KApplicationEvent(active ? KApplicationEvent::Activated : KApplicationEvent::Deactivated);
 }
 
-// Key-down makes an event only for the keys of the table, and for Ctrl+W,
-// which the accelerators of the menus need.
+// A key goes to the window of the focus element when there is one.
+KWindow* keyWindow(const KNativeRecord& record)
+{
+    if (auto focusWindow = kServices().focusWindow) {
+        if (KWindow* focus = focusWindow())
+            return focus;
+    }
+    return record.window;
+}
+
+int32_t keyType(const KNativeRecord& record, int32_t held)
+{
+    return (record.param2 & KKeyRecord::Repeat) != 0 ? KKeyEvent::KeyRepeat : held;
+}
+
+// The code a virtual key makes: the key table's, and Ctrl+W, which the
+// accelerators of the menus need; 0 for the keys that the character
+// message delivers.
+int32_t keyCode(int32_t virtualKey, int32_t modifiers)
+{
+    int32_t code = kksMapVirtualKey(virtualKey);
+    if (code == 0 && virtualKey == 'W' && (modifiers & 2) != 0)
+        code = 'W';
+    return code;
+}
+
 KEvent* keyDownEvent(const KNativeRecord& record)
 {
     int32_t modifiers = KNativeLayer::get().modifierState();
-    int32_t code = kksMapVirtualKey(record.param1);
-    if (code == 0) {
-        if (record.param1 != 'W' || (modifiers & 2) == 0)
-            return nullptr;
-        code = 'W';
-    }
-    KWindow* window = record.window;
-    if (auto focusWindow = kServices().focusWindow) {
-        if (KWindow* focus = focusWindow())
-            window = focus;
-    }
-    return new KKeyEvent(KKeyEvent::KeyDown, window, code, modifiers);
+    int32_t code = keyCode(record.param1, modifiers);
+    if (code == 0)
+        return nullptr;
+    return new KKeyEvent(keyType(record, KKeyEvent::KeyDown), keyWindow(record), code, modifiers);
 }
 
+// Typed characters are keys from the space up; Control held with a
+// printable key gives that character with modifier 2.
 KEvent* characterEvent(const KNativeRecord& record)
 {
     int32_t character = record.param1 & 0xFF;
     if (character < 32)
         return new KNativeEvent(record);
     int32_t modifiers = KNativeLayer::get().modifierState();
-    return new KKeyEvent(KKeyEvent::KeyDown, record.window, character, modifiers);
+    return new KKeyEvent(keyType(record, KKeyEvent::KeyDown), keyWindow(record), character, modifiers);
+}
+
+// A key is let go under the code its press made: a table key by its code,
+// a printable key by its character.
+KEvent* keyUpEvent(const KNativeRecord& record)
+{
+    int32_t modifiers = KNativeLayer::get().modifierState();
+    int32_t code = keyCode(record.param1, modifiers);
+    if (code == 0)
+        code = record.param2 & KKeyRecord::CharacterMask;
+    if (code < 32)
+        return nullptr;
+    return new KKeyEvent(KKeyEvent::KeyUp, keyWindow(record), code, modifiers);
 }
 
 // --- Mouse -----------------------------------------------------------------
@@ -118,11 +149,9 @@ bool buttonWasLost(const KNativeRecord& record, int32_t buttonBit, int32_t downM
     return (record.param1 & buttonBit) == 0;
 }
 
-void releaseLostButton(const KNativeRecord& record)
+void releaseButton(const KNativeRecord& record, bool lostLeft, bool lostRight)
 {
     TranslatorState& s = state();
-    bool lostLeft = s.leftDown && buttonWasLost(record, KMouseKeys::LeftButton, Message::LeftDown, Message::LeftUp);
-    bool lostRight = s.rightDown && buttonWasLost(record, KMouseKeys::RightButton, Message::RightDown, Message::RightUp);
     if (!lostLeft && !lostRight)
         return;
     auto* up = new KMouseEvent(KMouseEvent::Up, record.window);
@@ -132,6 +161,25 @@ void releaseLostButton(const KNativeRecord& record)
     s.leftDown = 0;
     s.rightDown = 0;
     processNow(up);
+}
+
+void releaseLostButton(const KNativeRecord& record)
+{
+    TranslatorState& s = state();
+    bool lostLeft = s.leftDown && buttonWasLost(record, KMouseKeys::LeftButton, Message::LeftDown, Message::LeftUp);
+    bool lostRight
+        = s.rightDown && buttonWasLost(record, KMouseKeys::RightButton, Message::RightDown, Message::RightUp);
+    releaseButton(record, lostLeft, lostRight);
+}
+
+// The mouse was taken away while a button was down (another program's
+// grab, a window that went away): the release will never come, so it is
+// made up now at the record's point.
+KEvent* captureLostEvent(const KNativeRecord& record)
+{
+    if (record.window)
+        releaseButton(record, state().leftDown != 0, state().rightDown != 0);
+    return nullptr;
 }
 
 KMouseEvent* moveEvent(const KNativeRecord& record)
@@ -272,6 +320,10 @@ KEvent* translate(const KNativeRecord& record)
         return keyDownEvent(record);
     case Message::Char:
         return characterEvent(record);
+    case Message::KeyUp:
+        return keyUpEvent(record);
+    case Message::CaptureChanged:
+        return captureLostEvent(record);
     case Message::Command:
         // From a control the record names its widget; a menu's goes to
         // the menus' own handler.

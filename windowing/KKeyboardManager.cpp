@@ -17,7 +17,7 @@ KKeyboardManager* gKeyboardManager = nullptr;
 bool takesKeyFocus(const KControl& control)
 {
     return control.isVisible() && control.isEnabled() && control.hasElementFlag(KInteractiveElement::FocusByKey)
-        && !control.hasElementFlag(KInteractiveElement::SkipOnTab);
+           && !control.hasElementFlag(KInteractiveElement::SkipOnTab);
 }
 
 } // namespace

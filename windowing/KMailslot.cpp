@@ -90,7 +90,7 @@ std::vector<std::string> kMailslotMessages(const KString& text)
         if (index > 0 && rest.empty())
             break;
         bool split = rest.size() >= size_t(kMailslotMessageSize)
-            || (rest.size() == size_t(kMailslotMessageSize - 1) && rest[kMailslotChunkText] == kChunkMark);
+                     || (rest.size() == size_t(kMailslotMessageSize - 1) && rest[kMailslotChunkText] == kChunkMark);
         std::string message;
         if (split) {
             message = rest.substr(0, kMailslotChunkText);

@@ -20,7 +20,7 @@ KEventReturn KNativeEvent::process()
 KEventReturn kksProcessNativeEvent(KEvent& event)
 {
     if (!event.isEqualOrSubClass(KNativeEvent::classRecord)) {
-        KErrorHandler::raiseError(KError::WrongEventClass, "KEventReturn kksProcessNativeEvent(KNativeEvent& Event)");
+        KErrorHandler::raiseError(KError::WrongEventClass);
         return 0;
     }
     auto route = kServices().nativeEvent;

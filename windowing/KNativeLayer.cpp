@@ -20,6 +20,18 @@ KNativeLayer::~KNativeLayer()
 
 bool KNativeLayer::droppedFile(int32_t, char*, int32_t) { return false; }
 
+void KNativeLayer::setWindowFullScreen(void*, bool) { }
+void KNativeLayer::addRecentFile(const char*) { }
+void KNativeLayer::watchTermination(SignalHandler) { }
+void KNativeLayer::watchStateRequest(SignalHandler) { }
+
+KNativeRect KNativeLayer::workArea() const
+{
+    KNativeRect area;
+    screenSize(area.width, area.height);
+    return area;
+}
+
 // Without a display there is nothing to show, stack or choose from: the
 // defaults do nothing and refuse what must be refused.
 void KNativeLayer::setWindowBounds(void*, const KNativeRect&) { }
@@ -41,8 +53,16 @@ void KNativeLayer::setControlBounds(void*, const KNativeRect&) { }
 void KNativeLayer::setControlText(void*, const char*) { }
 void KNativeLayer::setControlEnabled(void*, bool) { }
 void KNativeLayer::setControlVisible(void*, bool) { }
+void KNativeLayer::setControlValue(void*, double) { }
+void KNativeLayer::setControlItems(void*, const std::vector<std::string>&) { }
+void KNativeLayer::setControlRange(void*, const KNativeControlRange&) { }
+void KNativeLayer::setControlTextLimit(void*, int32_t) { }
+void KNativeLayer::setControlColour(void*, const KNativeColour&) { }
+void KNativeLayer::setControlPicture(void*, const KNativeImageData&) { }
+bool KNativeLayer::controlValue(void*, double&) { return false; }
+bool KNativeLayer::controlText(void*, std::string&) { return false; }
 
-void KNativeLayer::setCursorShape(int32_t) { }
+void KNativeLayer::setCursorShape(KCursorShape) { }
 void KNativeLayer::setCursorVisible(bool) { }
 
 bool KNativeLayer::setClipboard(const KNativeClipboardContent&) { return false; }
@@ -66,7 +86,6 @@ int32_t KNativeLayer::messageBox(const KNativeAlertRequest& alert)
     case KNativeAlertRequest::YesNoDefaultNo:
         return KNativeAnswer::No;
     case KNativeAlertRequest::YesNoCancel:
-        return KNativeAnswer::Cancel;
     case KNativeAlertRequest::OkCancel:
         return KNativeAnswer::Cancel;
     default:
@@ -89,7 +108,7 @@ KNativeLayer* KNativeLayer::current() { return gLayer; }
 KNativeLayer& KNativeLayer::get()
 {
     if (!gLayer)
-        KErrorHandler::raiseUnrecoverable(KError::ApplicationCannotRun, "KNativeLayer& KNativeLayer::get()");
+        KErrorHandler::raiseUnrecoverable(KError::ApplicationCannotRun);
     return *gLayer;
 }
 
@@ -101,7 +120,7 @@ void knsEnterKernel()
     if (!KErrorHandler::isLoaded())
         KErrorHandler::loadKernelErrors();
     if (!ready)
-        KErrorHandler::raiseError(KError::ApplicationCannotRun, "void knsEnterKernel()");
+        KErrorHandler::raiseError(KError::ApplicationCannotRun);
     KApplication::setWindowManagerClassName("KWindowManager");
 }
 

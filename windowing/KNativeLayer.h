@@ -74,13 +74,26 @@ public:
     virtual void setControlText(void* control, const char* text);
     virtual void setControlEnabled(void* control, bool enabled);
     virtual void setControlVisible(void* control, bool visible);
+    // The parts of a control beyond its text, each for the kinds that have
+    // it (see KNativeControlSetup). Setting a part tells nothing back: only
+    // the user's changes make Changed notifications.
+    virtual void setControlValue(void* control, double value);
+    virtual void setControlItems(void* control, const std::vector<std::string>& items);
+    virtual void setControlRange(void* control, const KNativeControlRange& range);
+    virtual void setControlTextLimit(void* control, int32_t limit);
+    virtual void setControlColour(void* control, const KNativeColour& colour);
+    virtual void setControlPicture(void* control, const KNativeImageData& picture);
+    // What the user left in a control, read when it notifies a change;
+    // false when the control has no such part.
+    virtual bool controlValue(void* control, double& value);
+    virtual bool controlText(void* control, std::string& text);
 
     // --- Pointer ------------------------------------------------------------
     // The longest time between two presses of a double click, and the
     // distance within which they count as one place.
     virtual int32_t doubleClickTime() const { return 500; }
     virtual int32_t doubleClickDistance() const { return 4; }
-    virtual void setCursorShape(int32_t shape);
+    virtual void setCursorShape(KCursorShape shape);
     virtual void setCursorVisible(bool visible);
 
     // --- Clipboard ------------------------------------------------------------
@@ -119,6 +132,22 @@ public:
     // drop is unknown or empty.
     virtual bool droppedFile(int32_t drop, char* buffer, int32_t size);
 
+    // --- The desktop ----------------------------------------------------------------
+    // The window fills the screen, undecorated, or goes back to its frame.
+    virtual void setWindowFullScreen(void* handle, bool fullScreen);
+    // The part of the screen that windows may use (without panels); the
+    // whole screen when it cannot be told.
+    virtual KNativeRect workArea() const;
+    // The desktop's list of recently used files; a UTF-8 path.
+    virtual void addRecentFile(const char* path);
+    // Runs `handler` on the loop's thread when the session ends the program
+    // (SIGTERM, SIGHUP, SIGINT); it decides whether to quit.
+    using SignalHandler = void (*)(int signal);
+    virtual void watchTermination(SignalHandler handler);
+    // Runs `handler` on the loop's thread when someone asks the program to
+    // describe itself (SIGUSR1).
+    virtual void watchStateRequest(SignalHandler handler);
+
     static void install(KNativeLayer* layer);
     static KNativeLayer* current();
     // current(), or a fatal error when no layer is installed.
@@ -139,7 +168,4 @@ void knsProcessNativeMessage(bool block, bool& keepRunning, int32_t waitMs);
 uint32_t knsGetTime();
 
 // The milliseconds from `earlier` to `later` on the wrapping clock.
-constexpr int32_t kTimeDifference(uint32_t later, uint32_t earlier)
-{
-    return static_cast<int32_t>(later - earlier);
-}
+constexpr int32_t kTimeDifference(uint32_t later, uint32_t earlier) { return static_cast<int32_t>(later - earlier); }

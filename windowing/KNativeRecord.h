@@ -49,6 +49,7 @@ enum : int32_t {
     RightDown = 0x0204,
     RightUp = 0x0205,
     Sizing = 0x0214,
+    CaptureChanged = 0x0215,
     Moving = 0x0216,
     DeviceChange = 0x0219,
     DropFiles = 0x0233,
@@ -69,6 +70,15 @@ enum : int32_t {
     Shift = 0x0004,
     Control = 0x0008,
 };
+}
+
+// Key messages: KeyDown carries the virtual key in param1, Char the typed
+// character; KeyUp carries the virtual key in param1 and, in param2, the
+// character the key types (0 when none), so that a printable key is let go
+// under the code it was pressed with. The repeat bit in param2 of KeyDown
+// and Char marks a key held down by the keyboard's auto-repeat.
+namespace KKeyRecord {
+enum : int32_t { CharacterMask = 0xFF, Repeat = 0x40000000 };
 }
 
 // Virtual-key codes carried by a key-down message's param1. Letters and
@@ -106,4 +116,7 @@ constexpr int32_t kPackPoint(int32_t x, int32_t y)
     return static_cast<int32_t>((static_cast<uint32_t>(y & 0xFFFF) << 16) | static_cast<uint32_t>(x & 0xFFFF));
 }
 constexpr int32_t kPointX(int32_t packed) { return static_cast<int16_t>(packed & 0xFFFF); }
-constexpr int32_t kPointY(int32_t packed) { return static_cast<int16_t>((static_cast<uint32_t>(packed) >> 16) & 0xFFFF); }
+constexpr int32_t kPointY(int32_t packed)
+{
+    return static_cast<int16_t>((static_cast<uint32_t>(packed) >> 16) & 0xFFFF);
+}

@@ -39,8 +39,58 @@ struct KNativeWindowSetup {
     bool centreOnParent = false;
 };
 
-enum class KNativeControlKind : int32_t { Button = 0, StaticText = 1 };
+struct KNativeColour {
+    uint16_t red = 0;
+    uint16_t green = 0;
+    uint16_t blue = 0;
+};
 
+// Pixels of an image (a clipboard's, a picture control's): 0x00RRGGBB,
+// row by row.
+struct KNativeImageData {
+    int32_t width = 0;
+    int32_t height = 0;
+    std::vector<uint32_t> pixels;
+};
+
+enum class KNativeControlKind : int32_t {
+    Button = 0,
+    StaticText = 1,
+    RadioGroup = 2,
+    CheckBox = 3,
+    Entry = 4,
+    MultiLineText = 5,
+    PopUpList = 6,
+    SpinField = 7,
+    Slider = 8,
+    ScrollBar = 9,
+    List = 10,
+    ColourSwatch = 11,
+    Picture = 12,
+};
+
+// The numbers of a control whose value lies between bounds: a spin field,
+// a slider, a scroll bar. The value runs from minimum to maximum; a scroll
+// bar's thumb covers `page` of it.
+struct KNativeControlRange {
+    double minimum = 0;
+    double maximum = 100;
+    // What an arrow key or an arrow button adds.
+    double step = 1;
+    // What a page key or a click beside a scroll bar's thumb adds.
+    double page = 10;
+    // Digits after the point.
+    int32_t decimals = 0;
+
+    bool operator==(const KNativeControlRange& other) const
+    {
+        return minimum == other.minimum && maximum == other.maximum && step == other.step && page == other.page
+               && decimals == other.decimals;
+    }
+};
+
+// All a control's widget needs at its making; each kind reads its part.
+// After that the same parts change through the layer's setters.
 struct KNativeControlSetup {
     KNativeControlKind kind = KNativeControlKind::Button;
     std::string text;
@@ -49,17 +99,28 @@ struct KNativeControlSetup {
     // record); never 0.
     int32_t tag = 0;
     bool isDefault = false;
+    // The choices of a radio group, a pop-up list or a list.
+    std::vector<std::string> items;
+    // A check box's state (0 or 1), the chosen item's index (-1 for none),
+    // or the number of a ranged control.
+    double value = 0;
+    KNativeControlRange range;
+    // The most characters an entry or a multi-line text takes; 0 for no
+    // limit.
+    int32_t textLimit = 0;
+    KNativeColour colour;
+    KNativeImageData picture;
 };
 
-// Notification codes of a Command record from a control (param1).
+// Notification codes of a Command record from a control (param1): a
+// press, a change of the value the user made, and a choice confirmed (a
+// double click or Return on a list item).
 namespace KControlNotification {
-enum : int32_t { Clicked = 0 };
+enum : int32_t { Clicked = 0, Changed = 1, Activated = 2 };
 }
 
 // The cursor shapes the cursor manager asks for.
-namespace KCursorShape {
-enum : int32_t { Normal = 0, Wait = 1, Cross = 2, Hand = 3, Text = 4 };
-}
+enum class KCursorShape : int32_t { Normal = 0, Wait = 1, Cross = 2, Hand = 3, Text = 4 };
 
 struct KNativeFileFilter {
     std::string name;
@@ -76,12 +137,6 @@ struct KNativeChooserRequest {
     // The name a save proposes.
     std::string name;
     std::vector<KNativeFileFilter> filters;
-};
-
-struct KNativeColour {
-    uint16_t red = 0;
-    uint16_t green = 0;
-    uint16_t blue = 0;
 };
 
 // A message box: its buttons and what it answers.
@@ -103,13 +158,6 @@ struct KNativeAlertRequest {
 namespace KNativeAnswer {
 enum : int32_t { Cancel = 1, Yes = 2, No = 3, Ok = 4 };
 }
-
-// Pixels of a clipboard image: 0x00RRGGBB, row by row.
-struct KNativeImageData {
-    int32_t width = 0;
-    int32_t height = 0;
-    std::vector<uint32_t> pixels;
-};
 
 // Everything the program puts on the clipboard at once: text, an image and
 // its private formats, each under its own target name.

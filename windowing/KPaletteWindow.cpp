@@ -20,9 +20,9 @@ KNativeWindowSetup KPaletteWindow::makeNativeSetup() const
     return setup;
 }
 
-void KPaletteWindow::open(int32_t mode)
+void KPaletteWindow::open(OpenMode mode)
 {
     if (isOpen())
-        knsFatalError("KPaletteWindow::open()", "Already Open.");
-    openWith(mode, makeNativeSetup(), "void KPaletteWindow::open(OpenMode Mode)");
+        KErrorHandler::fatal("Already Open.");
+    openWith(mode, makeNativeSetup());
 }

@@ -10,7 +10,7 @@ public:
     KPaletteWindow();
     ~KPaletteWindow() override;
 
-    void open(int32_t mode) override;
+    void open(OpenMode mode) override;
     int32_t getTier() const override { return PaletteTier; }
 
 protected:

@@ -10,6 +10,8 @@ public:
     KStaticTextNativeControl(const KString& text, const KWideRectangle& bounds);
     ~KStaticTextNativeControl() override;
 
+    const char* getKindName() const override { return "staticText"; }
+
 protected:
     bool describeNative(KNativeControlSetup& setup) const override;
 };

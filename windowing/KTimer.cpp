@@ -11,15 +11,9 @@ KTimer::KTimer() = default;
 
 KTimer::~KTimer() = default;
 
-void KTimer::readFromFile(KFile&)
-{
-    KErrorHandler::raiseError(KError::ReadNotImplemented, "KTimer::readFromFile");
-}
+void KTimer::readFromFile(KFile&) { KErrorHandler::raiseError(KError::ReadNotImplemented); }
 
-void KTimer::writeToFile(KFile&, int32_t)
-{
-    KErrorHandler::raiseError(KError::WriteNotImplemented, "KTimer::writeToFile");
-}
+void KTimer::writeToFile(KFile&, int32_t) { KErrorHandler::raiseError(KError::WriteNotImplemented); }
 
 void KTimer::setInterval(int32_t milliseconds)
 {

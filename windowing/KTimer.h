@@ -12,7 +12,8 @@
 class KTimer : public KThing {
     K_DECLARE_CLASS(KTimer)
 public:
-    enum Mode : int32_t { Exact = 0, Bounded = 1, Relative = 2 };
+    enum class Mode : int32_t { Exact = 0, Bounded = 1, Relative = 2 };
+    using enum Mode;
 
     KTimer();
     ~KTimer() override;
@@ -20,8 +21,8 @@ public:
     void readFromFile(KFile& file) override;
     void writeToFile(KFile& file, int32_t version) override;
 
-    void setMode(int32_t value) { mode = value; }
-    int32_t getMode() const { return mode; }
+    void setMode(Mode value) { mode = value; }
+    Mode getMode() const { return mode; }
     void setRepeat(bool value) { repeat = value ? 1 : 0; }
     bool isRepeating() const { return repeat != 0; }
     void setMaximumLag(int32_t milliseconds) { maximumLag = milliseconds; }
@@ -49,7 +50,7 @@ private:
     friend class KTimerManager;
 
     KThing* target = nullptr;
-    int32_t mode = Relative;
+    Mode mode = Relative;
     int32_t repeat = 0;
     uint32_t startTime = 0;
     int32_t interval = -1;

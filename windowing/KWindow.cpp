@@ -74,26 +74,26 @@ KNativeWindowSetup KWindow::makeNativeSetup() const
     return setup;
 }
 
-void KWindow::open(int32_t mode)
+void KWindow::open(OpenMode mode)
 {
     if (isOpen())
-        knsFatalError("KWindow::open()", "Already Open.");
-    openWith(mode, makeNativeSetup(), "void KWindow::open(OpenMode Mode)");
+        KErrorHandler::fatal("Already Open.");
+    openWith(mode, makeNativeSetup());
 }
 
-void KWindow::openWith(int32_t mode, const KNativeWindowSetup& setup, const char* location)
+void KWindow::openWith(OpenMode mode, const KNativeWindowSetup& setup, const KSourceLocation& where)
 {
     KWindowPtr self(this);
     void* handle = KNativeLayer::get().openWindow(*this, setup);
     if (!handle) {
-        KErrorHandler::raiseError(KError::PointerNull, location);
+        KErrorHandler::raiseError(KError::PointerNull, where);
         return;
     }
     clientBounds = frameBounds;
     setNativeWindow(handle);
     attachBackBuffer();
     if (!hasNativeDevice())
-        knsFatalError("HDC==NULL", "void KWindow::setNativeWindow(void* W)");
+        KErrorHandler::fatal("HDC==NULL");
     for (auto& layer : layers)
         layer->createNativeParts();
     if (!isEnabled())

@@ -7,6 +7,7 @@
 #include "windowing/KNativeTypes.h"
 #include "windowing/KWindowingForward.h"
 
+#include "kernel/KSourceLocation.h"
 #include <vector>
 
 // A drawing surface in a native frame. The window's device is its back
@@ -17,7 +18,8 @@
 class KWindow : public KGraphicDevice {
     K_DECLARE_CLASS(KWindow)
 public:
-    enum OpenMode : int32_t { Normal = 0, Hidden = 1 };
+    enum class OpenMode : int32_t { Normal = 0, Hidden = 1 };
+    using enum OpenMode;
     enum StateFlag : int32_t { IsOpen = 1, HiddenAtOpen = 2 };
     enum WindowFlag : int32_t {
         Closable = 8,
@@ -39,7 +41,7 @@ public:
     // The window's rectangle on the screen. Frames are drawn by the
     // desktop, so it is the client area.
     virtual KGraphicRectangle getFrame() const;
-    virtual void open(int32_t mode);
+    virtual void open(OpenMode mode);
     virtual void close();
     virtual void show(bool visible);
     virtual void hide();
@@ -112,9 +114,10 @@ public:
     void* getNativeWindow() const { return nativeWindow; }
 
 protected:
-    // Opens the native frame the setup describes; `location` names the
-    // caller in the error of a failed creation.
-    void openWith(int32_t mode, const KNativeWindowSetup& setup, const char* location);
+    // Opens the native frame the setup describes; a failed creation raises
+    // with the caller as location.
+    void openWith(OpenMode mode, const KNativeWindowSetup& setup,
+                  const KSourceLocation& where = KSourceLocation::current());
     // The native frame of a plain window.
     virtual KNativeWindowSetup makeNativeSetup() const;
     void surfaceChanged(const KWideRectangle& changed) override;

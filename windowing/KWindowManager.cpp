@@ -160,7 +160,7 @@ KWindow* KWindowManager::getFrontWindow() const
 {
     KWindow* window = frontWindow();
     if (!window)
-        KErrorHandler::raiseError(KError::NoWindow, "KWindow& KWindowManager::getFrontWindow() const");
+        KErrorHandler::raiseError(KError::NoWindow);
     return window;
 }
 
@@ -170,7 +170,7 @@ KWindow* KWindowManager::getFrontWindow(int32_t tier) const
         if ((*it)->getTier() == tier)
             return it->get();
     }
-    KErrorHandler::raiseError(KError::NoWindow, "KWindow& KWindowManager::getFrontWindow(long Layer) const");
+    KErrorHandler::raiseError(KError::NoWindow);
     return nullptr;
 }
 
@@ -179,7 +179,7 @@ KWindow* KWindowManager::getWindowBelow(KWindow& window) const
     int32_t index = indexOf(&window);
     if (index > 0)
         return windows[size_t(index - 1)].get();
-    KErrorHandler::raiseError(KError::NoWindow, "KWindow& KWindowManager::getWindowBelow(KWindow& W) const");
+    KErrorHandler::raiseError(KError::NoWindow);
     return nullptr;
 }
 
@@ -187,8 +187,8 @@ KWindow* KWindowManager::getWindowAbove(KWindow& window) const
 {
     int32_t index = indexOf(&window);
     if (index >= 0 && index + 1 < windowCount())
-        return windows[size_t(index + 1)].get();
-    KErrorHandler::raiseError(KError::NoWindow, "KWindow& KWindowManager::getWindowAbove(KWindow& W) const");
+        return windows[size_t(index) + 1].get();
+    KErrorHandler::raiseError(KError::NoWindow);
     return nullptr;
 }
 

@@ -3,30 +3,43 @@
 #include "graphics/KGraphicsClasses.h"
 #include "kernel/KClass.h"
 #include "kernel/KKernelClasses.h"
+#include "windowing/KActionEvent.h"
 #include "windowing/KAlert.h"
+#include "windowing/KApplication.h"
+#include "windowing/KApplicationEvent.h"
 #include "windowing/KButtonNativeControl.h"
+#include "windowing/KCheckBoxNativeControl.h"
+#include "windowing/KChoiceNativeControl.h"
 #include "windowing/KClipboardManager.h"
+#include "windowing/KColourSwatchNativeControl.h"
 #include "windowing/KControl.h"
+#include "windowing/KControlActionEvent.h"
 #include "windowing/KControlsLayer.h"
 #include "windowing/KCursorManager.h"
 #include "windowing/KDialog.h"
 #include "windowing/KDialogHandler.h"
 #include "windowing/KDragObject.h"
 #include "windowing/KDragObjectsLayer.h"
+#include "windowing/KEntryNativeControl.h"
+#include "windowing/KEvent.h"
 #include "windowing/KInteractiveElement.h"
+#include "windowing/KKeyEvent.h"
 #include "windowing/KKeyboardManager.h"
 #include "windowing/KLayer.h"
-#include "windowing/KPaletteWindow.h"
-#include "windowing/KStaticTextNativeControl.h"
-#include "windowing/KActionEvent.h"
-#include "windowing/KApplication.h"
-#include "windowing/KApplicationEvent.h"
-#include "windowing/KControlActionEvent.h"
-#include "windowing/KEvent.h"
-#include "windowing/KKeyEvent.h"
+#include "windowing/KListNativeControl.h"
 #include "windowing/KMenuEvent.h"
 #include "windowing/KMouseEvent.h"
+#include "windowing/KMultiLineTextNativeControl.h"
 #include "windowing/KNativeEvent.h"
+#include "windowing/KPaletteWindow.h"
+#include "windowing/KPictureNativeControl.h"
+#include "windowing/KPopUpListNativeControl.h"
+#include "windowing/KRadioGroupNativeControl.h"
+#include "windowing/KRangeNativeControl.h"
+#include "windowing/KScrollBarNativeControl.h"
+#include "windowing/KSliderNativeControl.h"
+#include "windowing/KSpinFieldNativeControl.h"
+#include "windowing/KStaticTextNativeControl.h"
 #include "windowing/KTimer.h"
 #include "windowing/KTimerManager.h"
 #include "windowing/KWindow.h"
@@ -36,10 +49,7 @@
 namespace {
 
 // Names in the registry without a class of their own.
-void registerRoot(const char* name)
-{
-    KClass::registerClass(name, KThing::classRecord, &KThing::create, 1);
-}
+void registerRoot(const char* name) { KClass::registerClass(name, KThing::classRecord, &KThing::create, 1); }
 
 } // namespace
 
@@ -62,6 +72,19 @@ void kRegisterWindowingClasses()
     KControl::registerClass();
     KButtonNativeControl::registerClass();
     KStaticTextNativeControl::registerClass();
+    KCheckBoxNativeControl::registerClass();
+    KChoiceNativeControl::registerClass();
+    KRadioGroupNativeControl::registerClass();
+    KPopUpListNativeControl::registerClass();
+    KListNativeControl::registerClass();
+    KRangeNativeControl::registerClass();
+    KSpinFieldNativeControl::registerClass();
+    KSliderNativeControl::registerClass();
+    KScrollBarNativeControl::registerClass();
+    KEntryNativeControl::registerClass();
+    KMultiLineTextNativeControl::registerClass();
+    KColourSwatchNativeControl::registerClass();
+    KPictureNativeControl::registerClass();
     KCursorManager::registerClass();
     KKeyboardManager::registerClass();
     KClipboardManager::registerClass();

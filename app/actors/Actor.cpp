@@ -7,6 +7,7 @@
 #include "kernel/KClass.h"
 #include "kernel/KErrorHandler.h"
 #include "kernel/KJsonWriter.h"
+#include "kernel/KLocalizer.h"
 #include "kernel/KStringBag.h"
 #include "tape/Tape.h"
 #include "tape/TapeHost.h"
@@ -207,7 +208,7 @@ ActorSequence& Actor::getSequence(const KString& sequenceName)
 {
     if (ActorSequence* sequence = findSequence(sequenceName))
         return *sequence;
-    KErrorHandler::raiseError(KError::PointerNull, "ActorSequence& Actor::getSequence(const KString& SequenceName)");
+    KErrorHandler::raiseError(KError::PointerNull);
     // Only reached when errors are forwarded: a stand-in keeps the caller
     // off a null reference.
     static ActorSequencePtr standIn(new ActorSequence());
@@ -230,8 +231,7 @@ Tape* Actor::getFrameTape(const KString& sequenceName, int32_t frameIndex) const
 {
     if (ActorSequence* sequence = findSequence(sequenceName))
         return sequence->getFrame(frameIndex);
-    KErrorHandler::raiseError(KError::PointerNull,
-                              "Tape& Actor::getFrameTape(const KString& SequenceName, long FrameIndex)");
+    KErrorHandler::raiseError(KError::PointerNull);
     return nullptr;
 }
 
@@ -578,13 +578,13 @@ void Actor::timerFired(KTimer& timer)
 KString Actor::getPlayTypeName(int32_t type)
 {
     static const char* const names[] = {
-        "Static Image",
-        "Play Once",
-        "Once Reverse",
-        "Play Once Forward and Reverse",
-        "Play Repeated",
-        "Play Repeated Reverse",
-        "Play Repeated Forward and Reverse",
+        kTranslatable("Static Image"),
+        kTranslatable("Play Once"),
+        kTranslatable("Once Reverse"),
+        kTranslatable("Play Once Forward and Reverse"),
+        kTranslatable("Play Repeated"),
+        kTranslatable("Play Repeated Reverse"),
+        kTranslatable("Play Repeated Forward and Reverse"),
     };
     if (type < 1 || type > 7)
         return KString();

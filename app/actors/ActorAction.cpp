@@ -7,6 +7,7 @@
 #include "kernel/KClassWriter.h"
 #include "kernel/KFile.h"
 #include "kernel/KJsonWriter.h"
+#include "kernel/KLocalizer.h"
 #include "tape/Tape.h"
 #include "tape/TapeHost.h"
 #include "tape/TapeMediaName.h"
@@ -17,19 +18,20 @@ namespace {
 constexpr int32_t kMainSection = 1;
 
 const char* const kActionNames[] = {
-    "Enter on Scene", "Exit from Scene", "Move / Resize", "Jump To Position", "Change Order", "Change Movement",
+    kTranslatable("Enter on Scene"),   kTranslatable("Exit from Scene"), kTranslatable("Move / Resize"),
+    kTranslatable("Jump To Position"), kTranslatable("Change Order"),    kTranslatable("Change Movement"),
 };
 constexpr int32_t kActionCount = int32_t(sizeof(kActionNames) / sizeof(kActionNames[0]));
 
 const char* const kOrderChangeNames[] = {
-    "Bring To Front",
-    "Bring One Actor Forward",
-    "Bring One Actor Backward",
-    "Bring To Back",
+    kTranslatable("Bring To Front"),
+    kTranslatable("Bring One Actor Forward"),
+    kTranslatable("Send Backward"),
+    kTranslatable("Send to Back"),
 };
 constexpr int32_t kOrderChangeCount = int32_t(sizeof(kOrderChangeNames) / sizeof(kOrderChangeNames[0]));
 
-const char* const kNotDefined = "Not Defined";
+const char* const kNotDefined = kTranslatable("Not Defined");
 
 float between(float from, float to, double fraction) { return float(from + (to - from) * fraction); }
 
@@ -137,16 +139,7 @@ void ActorAction::writeToFile(KFile& file, int32_t version)
 
 void ActorAction::readFromFile(KFile& file)
 {
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, classRecord, &version, &sections);
-    int32_t id = 0;
-    while (reader.nextSection(&id)) {
-        if (id != kMainSection) {
-            reader.skipSection();
-            continue;
-        }
+    auto readMain = [&](int32_t) {
         TapeObject::readFromFile(file);
         setType(ActorActionType);
         actorName.readFromFile(file);
@@ -156,8 +149,8 @@ void ActorAction::readFromFile(KFile& file)
         scale.readFromFile(file);
         speed = file.readLong();
         orderChange = file.readShort();
-    }
-    reader.end();
+    };
+    KClassReader::readSections(file, classRecord, { { kMainSection, readMain } });
     tapeAcceptMediaName(actorName);
     noteChanged();
 }

@@ -8,7 +8,6 @@
 #include "kernel/KDocument.h"
 #include "kernel/KFile.h"
 #include "kernel/KFileReference.h"
-#include "kernel/KStreamReading.h"
 #include "tape/TapeHost.h"
 
 namespace {
@@ -23,27 +22,6 @@ struct ReadActor {
     int32_t pageWidth = Actor::kDefaultPageWidth;
     int32_t pageHeight = Actor::kDefaultPageHeight;
 };
-
-void readMain(KFile& file, KClassReader& reader, ReadActor& read)
-{
-    int32_t end = file.getPosition() + reader.getSectionSize();
-    read.sequences.readFromFile(file);
-    if (!file.getError())
-        read.bounds.readFromFile(file);
-    KStreamReading::finishSection(file, reader, end);
-}
-
-void readPage(KFile& file, KClassReader& reader, ReadActor& read)
-{
-    if (reader.getSectionSize() < int32_t(2 * sizeof(int32_t))) {
-        reader.skipSection();
-        return;
-    }
-    int32_t end = file.getPosition() + reader.getSectionSize();
-    read.pageWidth = file.readLong();
-    read.pageHeight = file.readLong();
-    KStreamReading::finishSection(file, reader, end);
-}
 
 } // namespace
 
@@ -67,20 +45,17 @@ void Actor::writeToFile(KFile& file, int32_t)
 void Actor::readFromFile(KFile& file)
 {
     ReadActor read;
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, classRecord, &version, &sections);
-    int32_t id = 0;
-    while (!file.getError() && reader.nextSection(&id)) {
-        if (id == kMainSection)
-            readMain(file, reader, read);
-        else if (id == kPageSection)
-            readPage(file, reader, read);
-        else
-            reader.skipSection();
-    }
-    reader.end();
+    auto readMain = [&](int32_t) {
+        read.sequences.readFromFile(file);
+        if (!file.getError())
+            read.bounds.readFromFile(file);
+    };
+    auto readPage = [&](int32_t) {
+        read.pageWidth = file.readLong();
+        read.pageHeight = file.readLong();
+    };
+    KClassReader::readSections(
+        file, classRecord, { { kMainSection, readMain }, { kPageSection, readPage, int32_t(2 * sizeof(int32_t)) } });
 
     reset();
     sequences.clear();

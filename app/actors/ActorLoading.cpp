@@ -40,7 +40,8 @@ Actor* actorOf(Tape* tape, const KString& actorName)
 
 void reportMissingActor(const KString& actorName)
 {
-    KString text = tapeTranslate("The actor file is missing: ") + actorFileName(actorName);
+    // TRANSLATORS: %1 is the actor's file name.
+    KString text = tapeTranslate("The actor file is missing: %1").withArguments({ actorFileName(actorName) });
     TapeHost::get().alert(tapeTranslate("Error while reading file"), text);
 }
 

@@ -99,23 +99,14 @@ void ActorMotion::writeToFile(KFile& file, int32_t version)
 
 void ActorMotion::readFromFile(KFile& file)
 {
-    KClassReader reader;
-    int32_t version = 0;
-    int32_t sections = 0;
-    reader.begin(file, classRecord, &version, &sections);
     KBag read;
-    int32_t id = 0;
-    while (reader.nextSection(&id)) {
-        if (id != kMainSection) {
-            reader.skipSection();
-            continue;
-        }
+    auto readMain = [&](int32_t) {
         TapeObject::readFromFile(file);
         setType(ActorMotionType);
         read.readFromFile(file);
         actorName.readFromFile(file);
-    }
-    reader.end();
+    };
+    KClassReader::readSections(file, classRecord, { { kMainSection, readMain } });
     takePath(read);
     tapeAcceptMediaName(actorName);
     noteChanged();

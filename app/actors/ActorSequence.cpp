@@ -36,6 +36,7 @@ bool anyElement(const KBag& frames, Step&& step)
 } // namespace
 
 ActorSequence::ActorSequence()
+    // TRANSLATORS: the name of an actor's first movement, with "1" appended.
     : name(tapeTranslate("Movement") + "1")
 {
 }

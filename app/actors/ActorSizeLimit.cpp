@@ -37,8 +37,7 @@ KGraphicSize fitActorMaximum(const KGraphicSize& maximum, double aspectRatio)
     return KGraphicSize(toShort(width), toShort(height));
 }
 
-KGraphicRectangle limitDraggedRectangle(const KGraphicRectangle& rectangle, int16_t handle,
-                                        const KGraphicSize& maximum)
+KGraphicRectangle limitDraggedRectangle(const KGraphicRectangle& rectangle, int16_t handle, const KGraphicSize& maximum)
 {
     int16_t width = std::min(rectangle.width, maximum.width);
     int16_t height = std::min(rectangle.height, maximum.height);
@@ -53,12 +52,10 @@ KGraphicRectangle limitDraggedRectangle(const KGraphicRectangle& rectangle, int1
 
 KString actorResolutionRefusal(int32_t width, int32_t height, int32_t screenWidth, int32_t screenHeight)
 {
-    KString text = tapeTranslate("This actor's resolution (");
-    text += number(width) + "x" + number(height);
-    text += tapeTranslate(") exceeds screen resolution (");
-    text += number(screenWidth) + "x" + number(screenHeight);
-    text += tapeTranslate("); this actor cannot be opened for editing");
-    return text;
+    // TRANSLATORS: %1 is the actor's size and %2 the screen's, as "1024x768".
+    return tapeTranslate("This actor's resolution (%1) exceeds the screen resolution (%2); this actor cannot be "
+                         "opened for editing.")
+        .withArguments({ number(width) + "x" + number(height), number(screenWidth) + "x" + number(screenHeight) });
 }
 
 bool actorFitsScreen(int32_t pageWidth, int32_t pageHeight, int32_t screenWidth, int32_t screenHeight)

@@ -23,8 +23,8 @@ KGraphicSize fitActorMaximum(const KGraphicSize& maximum, double aspectRatio);
 KGraphicRectangle limitDraggedRectangle(const KGraphicRectangle& rectangle, int16_t handle,
                                         const KGraphicSize& maximum);
 
-// "This actor's resolution (w x h) exceeds screen resolution (W x H); this
-// actor cannot be opened for editing", its three parts translated one by one.
+// "This actor's resolution (wxh) exceeds the screen resolution (WxH); this
+// actor cannot be opened for editing.", in the user's language.
 KString actorResolutionRefusal(int32_t width, int32_t height, int32_t screenWidth, int32_t screenHeight);
 
 // Whether an actor painted for the page size may be edited on the screen.

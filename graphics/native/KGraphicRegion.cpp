@@ -157,20 +157,11 @@ void KGraphicRegion::subtract(const KWideRectangle& rectangle)
 
 void KGraphicRegion::offset(int32_t dx, int32_t dy) { cairo_region_translate(native(nativeRegion), dx, dy); }
 
-void KGraphicRegion::inset(int16_t, int16_t)
-{
-    KErrorHandler::showMessage("Not Yet Implemented!", "KGraphicRegion::inset", KErrorHandler::kNoticeBoxFlags);
-}
+void KGraphicRegion::inset(int16_t, int16_t) { KErrorHandler::notice("Not Yet Implemented!"); }
 
-void KGraphicRegion::readFromFile(KFile&)
-{
-    KErrorHandler::showMessage("Not Yet Implemented!", "KGraphicRegion::readFromFile", KErrorHandler::kNoticeBoxFlags);
-}
+void KGraphicRegion::readFromFile(KFile&) { KErrorHandler::notice("Not Yet Implemented!"); }
 
-void KGraphicRegion::writeToFile(KFile&, int32_t)
-{
-    KErrorHandler::showMessage("Not Yet Implemented!", "KGraphicRegion::writeToFile", KErrorHandler::kNoticeBoxFlags);
-}
+void KGraphicRegion::writeToFile(KFile&, int32_t) { KErrorHandler::notice("Not Yet Implemented!"); }
 
 bool KGraphicRegion::operator==(const KGraphicRegion& other) const
 {

@@ -18,8 +18,8 @@ void setColour(cairo_t* cr, uint32_t colour)
 // A copy of part of a surface, for drawing a device onto itself.
 cairo_surface_t* snapshot(cairo_surface_t* source, const KWideRectangle& from)
 {
-    cairo_surface_t* copy = cairo_surface_create_similar_image(
-        source, cairo_image_surface_get_format(source), from.width, from.height);
+    cairo_surface_t* copy
+        = cairo_surface_create_similar_image(source, cairo_image_surface_get_format(source), from.width, from.height);
     cairo_t* cr = cairo_create(copy);
     cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
     cairo_set_source_surface(cr, source, -from.x, -from.y);

@@ -58,8 +58,8 @@ public:
                    const KClipRectangles& clip, Filter filter, bool over, double alpha);
 
     // Draws UTF-8 text with its top left corner at (x, y), antialiased.
-    void drawText(const std::string& utf8, int32_t x, int32_t y, const KNativeFont* font, int32_t face,
-                  uint32_t colour, const KClipRectangles& clip);
+    void drawText(const std::string& utf8, int32_t x, int32_t y, const KNativeFont* font, int32_t face, uint32_t colour,
+                  const KClipRectangles& clip);
 
 private:
     KNativeDevice() = default;

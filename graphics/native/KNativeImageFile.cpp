@@ -64,6 +64,20 @@ void convert(GdkPixbuf* pixbuf, Picture& out)
         out.alpha = std::move(alpha);
 }
 
+// Turns a decoded pixbuf into `out` when it is a picture TaleLoom can use;
+// takes the pixbuf.
+bool takePixbuf(GdkPixbuf* pixbuf, Picture& out)
+{
+    bool usable = pixbuf && gdk_pixbuf_get_colorspace(pixbuf) == GDK_COLORSPACE_RGB
+                  && gdk_pixbuf_get_bits_per_sample(pixbuf) == 8 && gdk_pixbuf_get_n_channels(pixbuf) >= 3
+                  && sizeAllowed(gdk_pixbuf_get_width(pixbuf), gdk_pixbuf_get_height(pixbuf));
+    if (usable)
+        convert(pixbuf, out);
+    if (pixbuf)
+        g_object_unref(pixbuf);
+    return usable;
+}
+
 } // namespace
 
 std::string fileNameOf(const KString& path)
@@ -90,14 +104,25 @@ bool read(const std::string& fileName, Picture& out)
         return false;
     GdkPixbuf* pixbuf = gdk_pixbuf_apply_embedded_orientation(loaded);
     g_object_unref(loaded);
-    bool usable = pixbuf && gdk_pixbuf_get_colorspace(pixbuf) == GDK_COLORSPACE_RGB
-        && gdk_pixbuf_get_bits_per_sample(pixbuf) == 8 && gdk_pixbuf_get_n_channels(pixbuf) >= 3
-        && sizeAllowed(gdk_pixbuf_get_width(pixbuf), gdk_pixbuf_get_height(pixbuf));
-    if (usable)
-        convert(pixbuf, out);
-    if (pixbuf)
-        g_object_unref(pixbuf);
-    return usable;
+    return takePixbuf(pixbuf, out);
+}
+
+bool readBytes(const void* bytes, size_t size, Picture& out)
+{
+    out = Picture();
+    if (!bytes || size == 0)
+        return false;
+    GdkPixbufLoader* loader = gdk_pixbuf_loader_new();
+    bool written = gdk_pixbuf_loader_write(loader, static_cast<const guchar*>(bytes), size, nullptr);
+    bool closed = gdk_pixbuf_loader_close(loader, nullptr);
+    GdkPixbufFormat* format = gdk_pixbuf_loader_get_format(loader);
+    GdkPixbuf* pixbuf = nullptr;
+    if (written && closed && format && isReadableFormat(format)) {
+        if (GdkPixbuf* loaded = gdk_pixbuf_loader_get_pixbuf(loader))
+            pixbuf = gdk_pixbuf_apply_embedded_orientation(loaded);
+    }
+    g_object_unref(loader);
+    return pixbuf && takePixbuf(pixbuf, out);
 }
 
 bool write(const std::string& fileName, const char* type, const KPixelBuffer& pixels)

@@ -3,6 +3,7 @@
 #include "graphics/KGraphicsForward.h"
 #include "graphics/KPixelBuffer.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -31,6 +32,11 @@ std::string fileNameOf(const KString& path);
 // extension says; false for any other content, for a damaged file and for
 // a declared size beyond the limits.
 bool read(const std::string& fileName, Picture& out);
+// The same for the bytes of such a file held in memory: the program's own
+// pictures, which are trusted. The size limits apply to the decoded picture
+// only, and a file cut short may give the part that arrived; a file from
+// outside goes through read(), which refuses both.
+bool readBytes(const void* bytes, size_t size, Picture& out);
 
 // Writes the RGB24 pixels as "png", "jpeg", "bmp" or "tiff".
 bool write(const std::string& fileName, const char* type, const KPixelBuffer& pixels);

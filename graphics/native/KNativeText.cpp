@@ -4,6 +4,7 @@
 #include "kernel/KString.h"
 
 #include <cairo.h>
+#include <cmath>
 #include <glib.h>
 #include <pango/pangocairo.h>
 
@@ -54,7 +55,7 @@ KNativeFont* kCreateNativeFont(const std::string& familyUtf8, double points, int
 {
     PangoFontDescription* d = pango_font_description_new();
     pango_font_description_set_family(d, familyUtf8.empty() ? "Sans" : familyUtf8.c_str());
-    pango_font_description_set_size(d, int(points * PANGO_SCALE + 0.5));
+    pango_font_description_set_size(d, int(std::lround(points * PANGO_SCALE)));
     pango_font_description_set_weight(d, (face & KFont::Bold) ? PANGO_WEIGHT_BOLD : PANGO_WEIGHT_NORMAL);
     pango_font_description_set_style(d, (face & KFont::Italic) ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
     if (face & KFont::Condense)
@@ -80,7 +81,8 @@ PangoLayout* kCreateTextLayout(cairo_t* context, const std::string& utf8, const 
 KTextMetrics kMeasureFont(const KNativeFont* font)
 {
     KTextMetrics result;
-    PangoFontMetrics* metrics = pango_context_get_metrics(measuringContext(), font ? description(font) : nullptr, nullptr);
+    PangoFontMetrics* metrics
+        = pango_context_get_metrics(measuringContext(), font ? description(font) : nullptr, nullptr);
     result.ascent = PANGO_PIXELS_CEIL(pango_font_metrics_get_ascent(metrics));
     result.descent = PANGO_PIXELS_CEIL(pango_font_metrics_get_descent(metrics));
     int height = pango_font_metrics_get_height(metrics);
@@ -105,9 +107,9 @@ std::string kGraphicsTextToUtf8(const KString& text)
     if (text.isEmpty())
         return {};
     gsize written = 0;
-    gchar* converted = g_convert_with_fallback(text.getText(), text.getLength(), "UTF-8",
-                                               text.getCharSet() == KString::MacintoshSet ? "MACINTOSH" : "WINDOWS-1252", "?",
-                                               nullptr, &written, nullptr);
+    gchar* converted = g_convert_with_fallback(
+        text.getText(), text.getLength(), "UTF-8",
+        text.getCharSet() == KString::MacintoshSet ? "MACINTOSH" : "WINDOWS-1252", "?", nullptr, &written, nullptr);
     if (!converted)
         return std::string(text.getText(), size_t(text.getLength()));
     std::string result(converted, written);

@@ -114,10 +114,15 @@ KString knsProgramFile()
 
 bool knsReadProgramResource(int16_t id, void** data, int32_t* size)
 {
+    std::string path = "/org/taleloom/rcdata/" + std::to_string(id);
+    return knsReadProgramResourcePath(path.c_str(), data, size);
+}
+
+bool knsReadProgramResourcePath(const char* path, void** data, int32_t* size)
+{
     *data = nullptr;
     *size = 0;
-    std::string path = "/org/taleloom/rcdata/" + std::to_string(id);
-    GBytes* bytes = g_resources_lookup_data(path.c_str(), G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr);
+    GBytes* bytes = g_resources_lookup_data(path, G_RESOURCE_LOOKUP_FLAGS_NONE, nullptr);
     if (!bytes)
         return false;
     gsize length = 0;

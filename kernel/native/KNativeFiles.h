@@ -104,3 +104,6 @@ KString knsProgramFile();
 // Raw data compiled into the program as a GResource under
 // "/org/taleloom/rcdata/<id>". The block comes from KMemory.
 bool knsReadProgramResource(int16_t id, void** data, int32_t* size);
+// The same for a resource named by its whole path, such as
+// "/org/taleloom/art/play.png".
+bool knsReadProgramResourcePath(const char* path, void** data, int32_t* size);

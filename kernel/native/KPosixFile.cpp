@@ -31,10 +31,7 @@ bool systemName(const KString& path, std::string& out)
     return !out.empty() && out.size() < size_t(kMaxPathLength);
 }
 
-int32_t badName(const KString& path)
-{
-    return path.isEmpty() ? KError::NoFilename : KError::UnknownFileError;
-}
+int32_t badName(const KString& path) { return path.isEmpty() ? KError::NoFilename : KError::UnknownFileError; }
 
 int openRetrying(const char* name, int flags, mode_t permissions = 0)
 {
@@ -47,7 +44,7 @@ int openRetrying(const char* name, int flags, mode_t permissions = 0)
 
 KNativeFileStamp stampOf(time_t seconds)
 {
-    struct tm local {};
+    struct tm local { };
     localtime_r(&seconds, &local);
     KNativeFileStamp stamp;
     stamp.year = int16_t(local.tm_year + 1900);
@@ -119,7 +116,7 @@ int32_t knsFileOpen(const KString& path, int* handle)
         fd = openRetrying(name.c_str(), O_RDONLY);
     if (fd < 0)
         return lastErrno();
-    struct stat info {};
+    struct stat info { };
     if (::fstat(fd, &info) == 0 && S_ISDIR(info.st_mode)) {
         ::close(fd);
         return KErrorHandler::mapErrno(EISDIR);
@@ -190,7 +187,7 @@ int64_t knsFilePosition(int handle)
 
 int32_t knsFileSize(int handle, int64_t* size)
 {
-    struct stat info {};
+    struct stat info { };
     *size = 0;
     if (::fstat(handle, &info) != 0)
         return lastErrno();
@@ -218,7 +215,7 @@ int32_t knsFileCreateTemporary(const KString& target, int* handle, KString& temp
     int fd = ::mkostemp(pattern.data(), O_CLOEXEC);
     if (fd < 0)
         return lastErrno();
-    struct stat old {};
+    struct stat old { };
     mode_t permissions;
     if (::stat(name.c_str(), &old) == 0) {
         permissions = old.st_mode & 07777;
@@ -278,7 +275,7 @@ int32_t knsFileCopy(const KString& from, const KString& to, bool* accessDenied)
         *accessDenied = errno == EACCES || errno == EPERM;
         return lastErrno();
     }
-    struct stat info {};
+    struct stat info { };
     ::fstat(in, &info);
     int out = openRetrying(b.c_str(), O_WRONLY | O_CREAT | O_TRUNC, info.st_mode & 0777);
     if (out < 0) {
@@ -300,7 +297,7 @@ bool knsFileInfo(const KString& path, KNativeFileInfo& info)
     std::string name;
     if (!systemName(path, name))
         return false;
-    struct statx extended {};
+    struct statx extended { };
     if (::statx(AT_FDCWD, name.c_str(), 0, STATX_BASIC_STATS | STATX_BTIME, &extended) != 0)
         return false;
     info.exists = true;
@@ -348,7 +345,7 @@ int32_t knsDirectoryList(const KString& path, std::vector<KNativeDirectoryEntry>
             continue;
         bool isDirectory = entry->d_type == DT_DIR;
         if (entry->d_type == DT_UNKNOWN || entry->d_type == DT_LNK) {
-            struct stat info {};
+            struct stat info { };
             std::string full = name + "/" + entry->d_name;
             isDirectory = ::stat(full.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
         }

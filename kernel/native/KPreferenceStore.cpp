@@ -3,6 +3,7 @@
 #include "kernel/KTextCodec.h"
 
 #include <glib.h>
+#include <glib/gstdio.h>
 
 #include <cerrno>
 #include <cstring>
@@ -65,7 +66,10 @@ std::vector<std::string> systemFolders(const char* application)
     return folders;
 }
 
-std::string groupFile(const std::string& folder, const char* group) { return joinPath(folder, utf8Name(group) + ".conf"); }
+std::string groupFile(const std::string& folder, const char* group)
+{
+    return joinPath(folder, utf8Name(group) + ".conf");
+}
 
 // The user's file of the group when it is there, else the first machine-wide one.
 std::optional<std::string> findGroupFile(const char* application, const char* group)
@@ -180,7 +184,9 @@ std::string encodeValue(const KPreferenceStore::Value& value)
 {
     switch (value.kind) {
     case KPreferenceStore::Text:
-        return "string:" + KTextCodec::toUtf8(std::string_view(reinterpret_cast<const char*>(value.data.data()), value.data.size()));
+        return "string:"
+               + KTextCodec::toUtf8(
+                   std::string_view(reinterpret_cast<const char*>(value.data.data()), value.data.size()));
     case KPreferenceStore::Integer: {
         int32_t number = 0;
         std::memcpy(&number, value.data.data(), value.data.size() < 4 ? value.data.size() : 4);
@@ -308,5 +314,25 @@ bool writeGroup(const char* application, const char* group, const std::vector<Va
 }
 
 bool groupExists(const char* application, const char* group) { return findGroupFile(application, group).has_value(); }
+
+bool userGroupUnreadable(const char* application, const char* group)
+{
+    if (!isPlainName(application) || !isPlainName(group))
+        return false;
+    std::string path = groupFile(userFolder(application), group);
+    if (!g_file_test(path.c_str(), G_FILE_TEST_EXISTS))
+        return false;
+    ErrorHolder error;
+    return !loadKeyFile(path, error);
+}
+
+bool setAsideUserGroup(const char* application, const char* group)
+{
+    if (!isPlainName(application) || !isPlainName(group))
+        return false;
+    std::string path = groupFile(userFolder(application), group);
+    std::string aside = path + ".bad";
+    return g_rename(path.c_str(), aside.c_str()) == 0;
+}
 
 } // namespace KPreferenceStore

@@ -125,8 +125,8 @@ bool KGstMovie::takeSample(GstSample* fresh)
     GstVideoInfo info;
     GstCaps* caps = gst_sample_get_caps(fresh);
     GstBuffer* freshBuffer = gst_sample_get_buffer(fresh);
-    bool usable = caps && freshBuffer && gst_video_info_from_caps(&info, caps) &&
-                  GST_VIDEO_INFO_FORMAT(&info) == GST_VIDEO_FORMAT_BGRx;
+    bool usable = caps && freshBuffer && gst_video_info_from_caps(&info, caps)
+                  && GST_VIDEO_INFO_FORMAT(&info) == GST_VIDEO_FORMAT_BGRx;
     if (usable)
         gst_buffer_ref(freshBuffer);
     gst_sample_unref(fresh);

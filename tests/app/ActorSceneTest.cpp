@@ -321,7 +321,8 @@ TEST_F(ActorSceneTest, MotionWalksOneSegmentATickAndRestsAtTheEndOfShortPaths)
             tick();
             ++steps;
             int32_t reached = std::min(steps, c.pairs) - 1;
-            EXPECT_EQ(bob().getPosition(), KAnimationPoint(points[size_t(reached)].first, points[size_t(reached)].second))
+            EXPECT_EQ(bob().getPosition(),
+                      KAnimationPoint(points[size_t(reached)].first, points[size_t(reached)].second))
                 << "after step " << steps;
         }
         EXPECT_EQ(steps, c.steps);
@@ -380,7 +381,7 @@ TEST_F(ActorSceneTest, ElementsSurviveATapeRoundTripAndRefuseNamesThatLeaveTheFo
     EXPECT_FALSE(action2->isActive());
     EXPECT_EQ(action2->getToolEntry(), ActorActionType + 2);
     EXPECT_EQ(ActorAction::getActionName(action2->getAction()), KString("Move / Resize"));
-    EXPECT_EQ(ActorAction::getOrderChangeName(action2->getOrderChange()), KString("Bring One Actor Backward"));
+    EXPECT_EQ(ActorAction::getOrderChangeName(action2->getOrderChange()), KString("Send Backward"));
     EXPECT_EQ(ActorAction::getActionName(7), KString("Not Defined"));
 
     auto* motion2 = dynamic_cast<ActorMotion*>(read->getAt(1));

@@ -68,7 +68,10 @@ protected:
 
 KPath pathOf(const std::string& text) { return KPath(KString(text.c_str()), KPath::LinuxPlatform); }
 
-void writeFile(const std::string& path, const std::string& content) { std::ofstream(path, std::ios::binary) << content; }
+void writeFile(const std::string& path, const std::string& content)
+{
+    std::ofstream(path, std::ios::binary) << content;
+}
 
 std::string readFile(const std::string& path)
 {
@@ -230,7 +233,7 @@ TEST_F(StylusTapeHostTest, PreferencesAnswerWhateverKindTheyWereStoredAs)
     host.setPreferences(none);
     EXPECT_FALSE(host.autoEditCurrentElement());
     EXPECT_TRUE(host.highlightCurrentElement()) << "highlighting is on unless turned off";
-    EXPECT_EQ(host.newDocumentPageSize(), KGraphicSize(640, 480));
+    EXPECT_EQ(host.newDocumentPageSize(), KGraphicSize(800, 600));
 
     KPreferences stored;
     stored.setBool("AutoEdit", true);
@@ -240,7 +243,7 @@ TEST_F(StylusTapeHostTest, PreferencesAnswerWhateverKindTheyWereStoredAs)
     host.setPreferences(stored);
     EXPECT_TRUE(host.autoEditCurrentElement());
     EXPECT_FALSE(host.highlightCurrentElement());
-    EXPECT_EQ(host.newDocumentPageSize(), KGraphicSize(1024, 480));
+    EXPECT_EQ(host.newDocumentPageSize(), KGraphicSize(1024, 600));
 }
 
 TEST_F(StylusTapeHostTest, MouseButtonFollowsThePressesDelivered)

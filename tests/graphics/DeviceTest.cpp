@@ -117,16 +117,8 @@ TEST_F(DeviceTest, InsideFramePensStayWithinTheShape)
     d.setPenSize(2);
     d.frameRectangle(KGraphicRectangle(1, 1, 10, 8));
     std::vector<std::string> expected = {
-        "............",
-        ".##########.",
-        ".##########.",
-        ".##......##.",
-        ".##......##.",
-        ".##......##.",
-        ".##......##.",
-        ".##########.",
-        ".##########.",
-        "............",
+        "............", ".##########.", ".##########.", ".##......##.", ".##......##.",
+        ".##......##.", ".##......##.", ".##########.", ".##########.", "............",
     };
     EXPECT_EQ(shape(*image), expected);
 
@@ -219,7 +211,8 @@ TEST_F(DeviceTest, LinesPolygonsAndRegions)
     // inside by the even-odd rule and the outline.
     fill(*image, kBlack);
     d.framePolygon({ KGraphicPoint(1, 1), KGraphicPoint(6, 1), KGraphicPoint(6, 4), KGraphicPoint(1, 4) });
-    EXPECT_EQ(shape(*image), (std::vector<std::string> { "........", ".######.", ".#....#.", ".#....#.", ".######.", "........" }));
+    EXPECT_EQ(shape(*image),
+              (std::vector<std::string> { "........", ".######.", ".#....#.", ".#....#.", ".######.", "........" }));
     fill(*image, kBlack);
     d.fillPolygon({ KGraphicPoint(1, 1), KGraphicPoint(6, 1), KGraphicPoint(6, 4), KGraphicPoint(1, 4) });
     EXPECT_EQ(countPixels(*image, kWhite), 24);
@@ -232,12 +225,14 @@ TEST_F(DeviceTest, LinesPolygonsAndRegions)
     EXPECT_EQ(countPixels(*image, kWhite), 32);
     fill(*image, kBlack);
     d.frameRegion(region);
-    EXPECT_EQ(shape(*image), (std::vector<std::string> { "####....", "#..#....", "#..#####", "#####..#", "....#..#", "....####" }));
+    EXPECT_EQ(shape(*image),
+              (std::vector<std::string> { "####....", "#..#....", "#..#####", "#####..#", "....#..#", "....####" }));
 
     // The popup arrow is an 8 by 4 triangle pointing down.
     fill(*image, kBlack);
     d.drawPopupArrow(KGraphicRectangle(0, 0, 8, 6));
-    EXPECT_EQ(shape(*image), (std::vector<std::string> { "........", "########", ".######.", "..####..", "...##...", "........" }));
+    EXPECT_EQ(shape(*image),
+              (std::vector<std::string> { "........", "########", ".######.", "..####..", "...##...", "........" }));
 }
 
 TEST_F(DeviceTest, DashesFocusRectanglesAndEdges)
@@ -313,7 +308,7 @@ TEST_F(DeviceTest, StateAndClipStacks)
     }
     EXPECT_EQ(d.getStateDepth(), 0);
     EXPECT_EQ(d.getForeground(), KColor(KColor::Red));
-    EXPECT_EQ(d.getPenMode(), 0);
+    EXPECT_EQ(d.getPenMode(), KGraphicDeviceState::CopyForeground);
     EXPECT_EQ(d.getPenSize(), 1);
     EXPECT_EQ(d.getFont(), nullptr) << "the font is not part of the saved state";
     d.restoreState(); // empty: nothing

@@ -40,11 +40,11 @@ bool roundTrip(T& object, T& out)
 
 std::vector<std::string>& shownMessages()
 {
-    static std::vector<std::string> captions;
-    return captions;
+    static std::vector<std::string> texts;
+    return texts;
 }
 
-void noteMessage(const char*, const char* caption, int32_t) { shownMessages().push_back(caption); }
+void noteMessage(const char* text, const char*, int32_t) { shownMessages().push_back(text); }
 
 } // namespace
 
@@ -71,6 +71,41 @@ TEST_F(GeometryStream, PointRectangleAndColourAreLaidOutToTheByte)
     streams::appendShorts(expectedColour, { 0x1234, 0x5678, 0x9ABC });
     streams::appendLongs(expectedColour, { 0x3FE00000, 0 });
     EXPECT_EQ(streams::of(colour), expectedColour);
+}
+
+// The 32-bit classes store the same frames as the 16-bit ones, every
+// coordinate in 4 bytes; each class keeps the id of its own name.
+TEST_F(GeometryStream, WideValuesAreLaidOutToTheByte)
+{
+    for (const KClass* cls : { KGraphicPoint::classRecord, KGraphicSize::classRecord, KGraphicRectangle::classRecord,
+                               KWidePoint::classRecord, KWideSize::classRecord, KWideRectangle::classRecord })
+        EXPECT_EQ(cls->getClassID(), KClass::computeClassID(cls->getName())) << cls->getName();
+    EXPECT_STREQ(KWideSize().getClass()->getName(), "KWideSize");
+
+    KWidePoint point(70000, -2);
+    std::vector<uint8_t> expectedPoint;
+    streams::appendLongs(expectedPoint, { idOf(KWidePoint::classRecord), 1, 16, 1, 1, 16, 70000, 0xFFFFFFFE });
+    EXPECT_EQ(streams::of(point), expectedPoint);
+
+    KWideSize size(0x12345678, 0);
+    std::vector<uint8_t> expectedSize;
+    streams::appendLongs(expectedSize, { idOf(KWideSize::classRecord), 1, 16, 1, 1, 16, 0x12345678, 0 });
+    EXPECT_EQ(streams::of(size), expectedSize);
+
+    KWideRectangle rectangle(point.getX(), point.getY(), size.getWidth(), size.getHeight());
+    std::vector<uint8_t> expectedRectangle;
+    streams::appendLongs(expectedRectangle, { idOf(KWideRectangle::classRecord), 1, 72, 1, 1, 72 });
+    streams::append(expectedRectangle, expectedPoint);
+    streams::append(expectedRectangle, expectedSize);
+    EXPECT_EQ(streams::of(rectangle), expectedRectangle);
+
+    // A 16-bit record is not a 32-bit one: the wide point stays as it was.
+    KWidePoint untouched(1, 2);
+    KFile in;
+    KGraphicPoint narrow(3, 4);
+    streams::openOver(in, streams::of(narrow));
+    EXPECT_FALSE(untouched.readRecord(in));
+    EXPECT_EQ(untouched, KWidePoint(1, 2));
 }
 
 TEST_F(GeometryStream, EveryValueClassReadsBackWhatItWrote)
@@ -111,12 +146,12 @@ TEST_F(GeometryStream, EveryValueClassReadsBackWhatItWrote)
     KGraphicRectanglePtr held(new KGraphicRectangle(1, 2, 3, 4));
     KFile out;
     out.setMode(KFileModeMemory);
-    KClassWriter::writeObject(out, held.get(), "test");
+    KClassWriter::writeObject(out, held.get());
     auto* data = static_cast<const uint8_t*>(out.getMemoryData());
     KFile in;
     streams::openOver(in, std::vector<uint8_t>(data, data + out.getMemorySize()));
     KThingPtr readBack;
-    ASSERT_EQ(KClassReader::readObject(in, readBack, "test"), KClassReader::ObjectRead);
+    ASSERT_EQ(KClassReader::readObject(in, readBack), KClassReader::ObjectRead);
     auto* rectangleBack = dynamic_cast<KGraphicRectangle*>(readBack.get());
     ASSERT_NE(rectangleBack, nullptr);
     EXPECT_EQ(*rectangleBack, *held);
@@ -214,5 +249,5 @@ TEST_F(GeometryStream, RegionsHaveNoFileForm)
     EXPECT_EQ(in.getPosition(), 0);
     EXPECT_EQ(region.getBounds(), KWideRectangle(0, 0, 5, 5));
     KErrorHandler::setMessageProc(nullptr);
-    EXPECT_EQ(shownMessages(), (std::vector<std::string> { "KGraphicRegion::writeToFile", "KGraphicRegion::readFromFile" }));
+    EXPECT_EQ(shownMessages(), (std::vector<std::string> { "Not Yet Implemented!", "Not Yet Implemented!" }));
 }

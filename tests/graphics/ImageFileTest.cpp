@@ -8,14 +8,14 @@
 
 #include <chrono>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 
 using namespace gfx;
 
 using ImageFileTest = GraphicsTest;
 
 namespace {
-
-const char* kReadLocation = "KImage::createFromFile(const KFileReference& Ref) - ";
 
 // Blocks of 16 by 16 in plain colours, which even JPEG (with its colour
 // halved in resolution) keeps nearly exact.
@@ -198,7 +198,8 @@ TEST_F(ImageFileTest, ReadOnlyFormatsAreRead)
         KImagePtr image(new KImage());
         ASSERT_TRUE(image->createFromPath(KString(folder.file(name).c_str()))) << name;
         EXPECT_TRUE(errors.empty());
-        EXPECT_EQ(pixels(*image), (std::vector<uint32_t> { 0x000000, 0xFF0000, 0x00FF00, 0x0000FF, 0x00FF00, 0xFF0000 }))
+        EXPECT_EQ(pixels(*image),
+                  (std::vector<uint32_t> { 0x000000, 0xFF0000, 0x00FF00, 0x0000FF, 0x00FF00, 0xFF0000 }))
             << name;
     }
 }
@@ -207,13 +208,16 @@ TEST_F(ImageFileTest, UnreadableFilesAreError57AndAnEmptyImage)
 {
     ScratchFolder folder;
     writeBytes(folder.file("noise.png"), { 1, 2, 3, 4, 5, 6, 7, 8, 9 });
-    writeBytes(folder.file("vector.png"), std::vector<uint8_t>(std::begin("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"10\" height=\"10\"/>"),
-                                                                std::end("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"10\" height=\"10\"/>") - 1));
+    writeBytes(
+        folder.file("vector.png"),
+        std::vector<uint8_t>(std::begin("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"10\" height=\"10\"/>"),
+                             std::end("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"10\" height=\"10\"/>") - 1));
     blocks()->writeToPath(KString(folder.file("truncated.png").c_str()));
     std::filesystem::resize_file(folder.file("truncated.png"), 70);
     writeBytes(folder.file("picture.pict"), { 0, 0, 0 });
 
-    for (const char* name : { "noise.png", "vector.png", "truncated.png", "missing.bmp", "picture.pict", "noextension" }) {
+    for (const char* name :
+         { "noise.png", "vector.png", "truncated.png", "missing.bmp", "picture.pict", "noextension" }) {
         ErrorRecorder errors;
         KImagePtr image = makeImage(5, 5);
         EXPECT_FALSE(image->createFromPath(KString(folder.file(name).c_str()))) << name;
@@ -221,7 +225,8 @@ TEST_F(ImageFileTest, UnreadableFilesAreError57AndAnEmptyImage)
         EXPECT_TRUE(image->getSize().isEmpty());
         ASSERT_EQ(errors.errors().size(), 1u) << name;
         EXPECT_EQ(errors.lastCode(), KError::UnsupportedFormat);
-        EXPECT_EQ(errors.lastLocation(), std::string(kReadLocation) + name);
+        // The caption names the file.
+        EXPECT_NE(errors.lastLocation().find(name), std::string::npos) << name;
         // An empty image draws nothing.
         KImagePtr target = makeImage(4, 4);
         fill(*target, kRed);
@@ -232,7 +237,7 @@ TEST_F(ImageFileTest, UnreadableFilesAreError57AndAnEmptyImage)
     ErrorRecorder errors;
     EXPECT_FALSE(blocks()->writeToPath(KString(folder.file("out.gif").c_str())));
     EXPECT_EQ(errors.lastCode(), KError::UnsupportedFormat);
-    EXPECT_EQ(errors.lastLocation(), "KImage::writeToFile(const KFileReference& Ref) - out.gif");
+    EXPECT_NE(errors.lastLocation().find("out.gif"), std::string::npos);
     EXPECT_FALSE(std::filesystem::exists(folder.file("out.gif")));
     EXPECT_FALSE(KImagePtr(new KImage())->writeToPath(KString(folder.file("empty.png").c_str())));
 }
@@ -299,4 +304,30 @@ TEST_F(ImageFileTest, ScaledLoadsAndFileTransparency)
     KAlphaImagePtr scaledSprite(new KAlphaImage());
     ASSERT_TRUE(scaledSprite->createFromPathScaled(KString(path.c_str()), KGraphicSize(8, 3)));
     EXPECT_TRUE(scaledSprite->hasAlphaPlane());
+}
+
+// Pictures compiled into the program arrive as the bytes of a file.
+TEST_F(ImageFileTest, FileBytesInMemoryReadLikeFiles)
+{
+    ScratchFolder folder;
+    std::string path = folder.file("blocks.png");
+    ASSERT_TRUE(blocks()->writeToPath(KString(path.c_str())));
+    std::ifstream in(path, std::ios::binary);
+    std::vector<uint8_t> png((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    ErrorRecorder errors;
+    KImagePtr image(new KImage());
+    ASSERT_TRUE(image->createFromFileBytes(png.data(), png.size()));
+    EXPECT_EQ(pixels(*image), pixels(*blocks()));
+
+    // Damaged or foreign: an empty image, and no message, since the caller
+    // knows best what to say.
+    const char* svg = "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"10\" height=\"10\"/>";
+    std::vector<uint8_t> vector(svg, svg + std::strlen(svg));
+    for (const std::vector<uint8_t>& bytes :
+         { std::vector<uint8_t> { 1, 2, 3, 4, 5 }, vector, pngHeaderOf(30000, 30000), std::vector<uint8_t>() }) {
+        KImagePtr broken = makeImage(5, 5);
+        EXPECT_FALSE(broken->createFromFileBytes(bytes.data(), bytes.size()));
+        EXPECT_FALSE(broken->hasImage());
+    }
+    EXPECT_TRUE(errors.empty());
 }

@@ -195,7 +195,7 @@ TEST_F(ImageStream, AlphaImagesKeepMaskHotSpotBlendingAndTheirOwnTransparency)
     fillNoise(*pattern, 11);
     KFile out;
     out.setMode(KFileModeMemory);
-    KClassWriter::writeObject(out, pattern.get(), "test");
+    KClassWriter::writeObject(out, pattern.get());
     auto* data = static_cast<const uint8_t*>(out.getMemoryData());
     std::vector<uint8_t> element(data, data + out.getMemorySize());
     EXPECT_EQ(streams::longAt(element, 0), idOf(KPattern::classRecord));
@@ -203,7 +203,7 @@ TEST_F(ImageStream, AlphaImagesKeepMaskHotSpotBlendingAndTheirOwnTransparency)
     KFile in;
     streams::openOver(in, element);
     KThingPtr object;
-    ASSERT_EQ(KClassReader::readObject(in, object, "test"), KClassReader::ObjectRead);
+    ASSERT_EQ(KClassReader::readObject(in, object), KClassReader::ObjectRead);
     auto* patternBack = dynamic_cast<KPattern*>(object.get());
     ASSERT_NE(patternBack, nullptr);
     EXPECT_EQ(pixels(*patternBack), pixels(*pattern));
@@ -256,11 +256,15 @@ TEST_F(ImageStream, ABadBitmapGivesAnEmptyImageAndKeepsTheStreamAligned)
     };
     std::vector<std::pair<const char*, std::vector<uint8_t>>> cases = {
         { "no BM", damagedThenPoint([](std::vector<uint8_t>& b) { b[kBitmapAt] = 'X'; }) },
-        { "total beyond the length", damagedThenPoint([](std::vector<uint8_t>& b) { streams::putLeLongAt(b, kBitmapAt + 2, 1000); }) },
-        { "huge width", damagedThenPoint([](std::vector<uint8_t>& b) { streams::putLeLongAt(b, kBitmapAt + 18, 0x7FFFFFFF); }) },
-        { "lowest height", damagedThenPoint([](std::vector<uint8_t>& b) { streams::putLeLongAt(b, kBitmapAt + 22, 0x80000000); }) },
+        { "total beyond the length",
+          damagedThenPoint([](std::vector<uint8_t>& b) { streams::putLeLongAt(b, kBitmapAt + 2, 1000); }) },
+        { "huge width",
+          damagedThenPoint([](std::vector<uint8_t>& b) { streams::putLeLongAt(b, kBitmapAt + 18, 0x7FFFFFFF); }) },
+        { "lowest height",
+          damagedThenPoint([](std::vector<uint8_t>& b) { streams::putLeLongAt(b, kBitmapAt + 22, 0x80000000); }) },
         { "RLE", damagedThenPoint([](std::vector<uint8_t>& b) { streams::putLeLongAt(b, kBitmapAt + 30, 1); }) },
-        { "header size", damagedThenPoint([](std::vector<uint8_t>& b) { streams::putLeLongAt(b, kBitmapAt + 14, 0xFFFFFFF0); }) },
+        { "header size",
+          damagedThenPoint([](std::vector<uint8_t>& b) { streams::putLeLongAt(b, kBitmapAt + 14, 0xFFFFFFF0); }) },
     };
     for (auto& [name, bytes] : cases) {
         KImagePtr back(new KImage());
@@ -326,7 +330,8 @@ TEST_F(ImageStream, TheBitmapDecoderReadsTheCommonForms)
                  { kBlack, kWhite, kBlack, kWhite, kBlack, kWhite });
     // 4 bits with two colours in use; indices past them give black.
     std::vector<uint8_t> redBlue = { 0, 0, 255, 0, 255, 0, 0, 0 };
-    expectPixels("4 bits", dib(40, 4, 1, 4, 0, 2, redBlue, { 0x10, 0x25, 0, 0 }), 4, 1, { kBlue, kRed, kBlack, kBlack });
+    expectPixels("4 bits", dib(40, 4, 1, 4, 0, 2, redBlue, { 0x10, 0x25, 0, 0 }), 4, 1,
+                 { kBlue, kRed, kBlack, kBlack });
     // 8 bits, top-down, the full palette of 256.
     std::vector<uint8_t> palette(1024, 0);
     palette[3 * 4 + 1] = 0xFF;
@@ -334,8 +339,9 @@ TEST_F(ImageStream, TheBitmapDecoderReadsTheCommonForms)
     expectPixels("8 bits", dib(40, 1, -2, 8, 0, 0, palette, { 3, 0, 0, 0, 4, 0, 0, 0 }), 1, 2, { kGreen, 0x800000 });
     // 16 bits, five a channel by default, or 5-6-5 by masks.
     expectPixels("16 bits", dib(40, 2, 1, 16, 0, 0, {}, { 0x00, 0x7C, 0xE0, 0x03 }), 2, 1, { kRed, kGreen });
-    expectPixels("16 bits masked", dib(40, 2, 1, 16, 3, 0, leLongs({ 0xF800, 0x07E0, 0x001F }), { 0xE0, 0x07, 0x1F, 0x00 }),
-                 2, 1, { kGreen, kBlue });
+    expectPixels("16 bits masked",
+                 dib(40, 2, 1, 16, 3, 0, leLongs({ 0xF800, 0x07E0, 0x001F }), { 0xE0, 0x07, 0x1F, 0x00 }), 2, 1,
+                 { kGreen, kBlue });
     // 32 bits, plain, and with masks inside a longer header.
     expectPixels("32 bits", dib(40, 1, 1, 32, 0, 0, {}, { 0x11, 0x22, 0x33, 0xFF }), 1, 1, { 0x332211 });
     std::vector<uint8_t> v3 = dib(56, 1, 1, 32, 3, 0, {}, { 0x44, 0x33, 0x22, 0x11 });
@@ -406,7 +412,8 @@ TEST_F(ImageStream, FileReferencesReadAndWriteImageFiles)
 
 TEST_F(ImageStream, PolygonsTakeArraysOfPoints)
 {
-    std::vector<KGraphicPoint> corners = { KGraphicPoint(1, 1), KGraphicPoint(9, 2), KGraphicPoint(7, 8), KGraphicPoint(2, 6) };
+    std::vector<KGraphicPoint> corners
+        = { KGraphicPoint(1, 1), KGraphicPoint(9, 2), KGraphicPoint(7, 8), KGraphicPoint(2, 6) };
     KArray array;
     array.setSize(6);
     for (int32_t i = 0; i < 4; ++i)

@@ -82,7 +82,7 @@ TEST_F(ImageTest, TurnsAndFlipsMovePixelsExactly)
     {
         ErrorRecorder errors;
         EXPECT_EQ(empty->getNativeImage(), nullptr);
-        EXPECT_EQ(errors.lastLocation(), "KImage::getNativeImage()");
+        EXPECT_EQ(errors.lastCode(), KError::PointerNull);
     }
     empty->rotateLeft();
     empty->invert();
@@ -124,7 +124,7 @@ TEST_F(ImageTest, MasksSmoothingAndInversion)
     std::vector<uint32_t> after = pixels(*noisy);
     for (size_t i = 0; i < before.size(); ++i)
         EXPECT_EQ(after[i], before[i] ^ 0xFFFFFFu);
-    EXPECT_EQ(noisy->getDevice().getPenMode(), 0);
+    EXPECT_EQ(noisy->getDevice().getPenMode(), KGraphicDeviceState::CopyForeground);
 }
 
 TEST_F(ImageTest, AlphaImagesDrawThroughTheirMasks)

@@ -64,8 +64,8 @@ TEST(PixelOps, BlendsMatchTheFormulas)
     }
     // Runs of opaque and of empty pixels take the shortcuts.
     for (int i = 0; i < 8; ++i) {
-        premultiplied.pixels[size_t(8 + i)] = 0xFF000000u | (random() & 0xFFFFFF);
-        premultiplied.pixels[size_t(16 + i)] = 0;
+        premultiplied.pixels[8 + size_t(i)] = 0xFF000000u | (random() & 0xFFFFFF);
+        premultiplied.pixels[16 + size_t(i)] = 0;
     }
     KPixelOps::Area area { 0, 0, 0, 0, width, height };
     for (uint32_t alpha : { 255u, 254u, 128u, 1u }) {
@@ -183,10 +183,22 @@ void fillMaskedPicture(Buffer& image, Buffer& mask, std::mt19937& random)
         for (; length > 0 && i < image.pixels.size(); --length, ++i) {
             uint32_t colour = random() | 0xFF000000u;
             switch (kind) {
-            case 0: image.pixels[i] = 0xFFFFFF; mask.pixels[i] = 0xFFFFFF; break;
-            case 1: image.pixels[i] = colour; mask.pixels[i] = 0; break;
-            case 2: image.pixels[i] = colour; mask.pixels[i] = random() & 0x7F7F7F; break;
-            default: image.pixels[i] = colour; mask.pixels[i] = 0xFFFFFF; break;
+            case 0:
+                image.pixels[i] = 0xFFFFFF;
+                mask.pixels[i] = 0xFFFFFF;
+                break;
+            case 1:
+                image.pixels[i] = colour;
+                mask.pixels[i] = 0;
+                break;
+            case 2:
+                image.pixels[i] = colour;
+                mask.pixels[i] = random() & 0x7F7F7F;
+                break;
+            default:
+                image.pixels[i] = colour;
+                mask.pixels[i] = 0xFFFFFF;
+                break;
             }
         }
     }
@@ -218,12 +230,12 @@ TEST(PixelOps, MaskedFrameRunsDrawAsTheRasterOperations)
         KWideRectangle clip;
     };
     const Case cases[] = {
-        { 3, 2, KWideRectangle(0, 0, 30, 12) },    // wholly inside
-        { -5, -3, KWideRectangle(0, 0, 30, 12) },  // off the top left
-        { 20, 9, KWideRectangle(0, 0, 30, 12) },   // off the bottom right
-        { 2, 1, KWideRectangle(7, 3, 5, 2) },      // a clip inside the picture
-        { 2, 1, KWideRectangle(24, 0, 6, 12) },    // a clip beside it
-        { 0, 0, KWideRectangle(1, 1, 1, 1) },      // a single pixel
+        { 3, 2, KWideRectangle(0, 0, 30, 12) }, // wholly inside
+        { -5, -3, KWideRectangle(0, 0, 30, 12) }, // off the top left
+        { 20, 9, KWideRectangle(0, 0, 30, 12) }, // off the bottom right
+        { 2, 1, KWideRectangle(7, 3, 5, 2) }, // a clip inside the picture
+        { 2, 1, KWideRectangle(24, 0, 6, 12) }, // a clip beside it
+        { 0, 0, KWideRectangle(1, 1, 1, 1) }, // a single pixel
     };
     for (const Case& c : cases) {
         Buffer target(30, 12);
@@ -253,7 +265,8 @@ TEST(PixelOps, MaskedFrameRunsDrawAsTheRasterOperations)
     KMaskedFrame opaque;
     opaque.buildOpaque(image.view);
     Buffer target(width, height);
-    EXPECT_EQ(opaque.drawInto(target.view, 0, 0, KWideRectangle(0, 0, width, height)), KWideRectangle(0, 0, width, height));
+    EXPECT_EQ(opaque.drawInto(target.view, 0, 0, KWideRectangle(0, 0, width, height)),
+              KWideRectangle(0, 0, width, height));
     for (size_t k = 0; k < target.pixels.size(); ++k)
         ASSERT_EQ(target.pixels[k], image.pixels[k] & 0xFFFFFF);
     Buffer smallMask(width - 1, height);
@@ -274,8 +287,8 @@ KAlphaImagePtr noisyMaskedImage(int16_t width, int16_t height, uint32_t seed)
     KImagePtr maskImage = gfx::makeImage(width, height);
     for (int32_t y = 0; y < height; ++y) {
         for (int32_t x = 0; x < width; ++x) {
-            gfx::setPixel(*picture, x, y, image.pixels[size_t(y * width + x)] & 0xFFFFFF);
-            gfx::setPixel(*maskImage, x, y, mask.pixels[size_t(y * width + x)]);
+            gfx::setPixel(*picture, x, y, image.pixels[size_t(y) * size_t(width) + size_t(x)] & 0xFFFFFF);
+            gfx::setPixel(*maskImage, x, y, mask.pixels[size_t(y) * size_t(width) + size_t(x)]);
         }
     }
     picture->setMask(*maskImage);

@@ -68,7 +68,8 @@ inline void putLongAt(std::vector<uint8_t>& bytes, size_t at, uint32_t value)
 // Little-endian, as inside a BMP.
 inline uint32_t leLongAt(const std::vector<uint8_t>& bytes, size_t at)
 {
-    return uint32_t(bytes[at]) | uint32_t(bytes[at + 1]) << 8 | uint32_t(bytes[at + 2]) << 16 | uint32_t(bytes[at + 3]) << 24;
+    return uint32_t(bytes[at]) | uint32_t(bytes[at + 1]) << 8 | uint32_t(bytes[at + 2]) << 16
+           | uint32_t(bytes[at + 3]) << 24;
 }
 
 inline void putLeLongAt(std::vector<uint8_t>& bytes, size_t at, uint32_t value)

@@ -26,13 +26,8 @@ void writeScalars(KFile& file)
 }
 
 const std::vector<uint8_t> kScalarBytes = {
-    0xAB,
-    0x01,
-    0x00,
-    0xFF, 0xFE,
-    0x01, 0x02, 0x03, 0x04,
-    0x3F, 0x80, 0x00, 0x00,
-    0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
+    0xAB, 0x01, 0x00, 0xFF, 0xFE, 0x01, 0x02, 0x03, 0x04, 0x3F, 0x80,
+    0x00, 0x00, 0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00,
 };
 
 // A block of varied bytes, larger than the write buffer when asked.
@@ -175,47 +170,6 @@ TEST(KFile, NativeFailuresAreStoredAsKernelCodes)
     EXPECT_TRUE(recorder.empty());
 }
 
-TEST(KFile, MisuseRaisesWithTheSignatureAsLocation)
-{
-    TempFolder folder;
-    ErrorRecorder recorder;
-
-    KFile unnamed;
-    unnamed.create();
-    EXPECT_EQ(recorder.lastCode(), KError::NoFilename);
-    EXPECT_EQ(recorder.lastLocation(), "void KFile::create()");
-    unnamed.open();
-    EXPECT_EQ(recorder.lastLocation(), "void  KFile::open()");
-
-    KFile file(folder.pathOf("misuse.bin"));
-    openForWriting(file, KFileModeDirect);
-    file.setMode(KFileModeMemory);
-    EXPECT_EQ(recorder.lastCode(), KError::FileCannotChangeMode);
-    EXPECT_EQ(file.getMode(), KFileModeDirect);
-
-    KFile other;
-    other = file;
-    EXPECT_EQ(recorder.lastCode(), KError::FileIsOpen);
-    EXPECT_EQ(recorder.lastLocation(), "KFile::operator=(const KFile& F)");
-    file.close();
-
-    file.setMode(KFileModeWriteBuffered);
-    file.open();
-    file.readLong();
-    EXPECT_EQ(recorder.lastCode(), KError::FileWrongMode);
-    EXPECT_EQ(recorder.lastLocation(), "long KFile::read(void* Buff,long Size)");
-    file.setPosition(0);
-    EXPECT_EQ(recorder.lastLocation(), "void KFile::setPosition(long Pos)");
-    file.close();
-
-    KFile direct;
-    void* image = KMemory::allocate(4, true);
-    direct.openFromRAM(image, 4);
-    EXPECT_EQ(recorder.lastLocation(), "void KFile::openFromRAM(void* Address, long DataSize)");
-    EXPECT_FALSE(direct.isOpen());
-    KMemory::dispose(image); // refused, so still the caller's
-}
-
 TEST(KFile, AllModesWriteTheSameBytes)
 {
     TempFolder folder;
@@ -249,7 +203,7 @@ TEST(KFile, AllModesWriteTheSameBytes)
         file.write(data.data(), 10);
         file.write(data.data() + 10, KFile::kBufferUnit - 10);
         file.write(data.data() + KFile::kBufferUnit, 2 * KFile::kBufferUnit + 1);
-        for (size_t at = size_t(3 * KFile::kBufferUnit + 1); at < data.size(); at += 7)
+        for (size_t at = 3 * size_t(KFile::kBufferUnit) + 1; at < data.size(); at += 7)
             file.write(data.data() + at, int32_t(std::min<size_t>(7, data.size() - at)));
     };
     for (KFileMode mode : { KFileModeDirect, KFileModeWriteBuffered, KFileModeMemory }) {
@@ -350,8 +304,9 @@ TEST(KFile, CountedTextChecksItsLengthBeforeAllocating)
     // Lengths the file cannot hold, from one byte too many up to the
     // largest long, and a negative one: refused at once, nothing allocated.
     for (int32_t length : { 5, 0x7FFFFFFF, -1 }) {
-        std::vector<uint8_t> bytes = { uint8_t(length >> 24), uint8_t(length >> 16), uint8_t(length >> 8),
-                                       uint8_t(length), 'a', 'b', 'c', 'd', 'e' };
+        std::vector<uint8_t> bytes = {
+            uint8_t(length >> 24), uint8_t(length >> 16), uint8_t(length >> 8), uint8_t(length), 'a', 'b', 'c', 'd', 'e'
+        };
         writeBytes(folder.file("bad.bin"), bytes);
         for (KFileMode mode : { KFileModeDirect, KFileModeReadBuffered }) {
             KFile bad(folder.pathOf("bad.bin"));
@@ -384,7 +339,7 @@ TEST(KFile, AtomicWriteReplacesTheFileOnlyWhenAllWasWritten)
         EXPECT_EQ(namesIn(folder.path()), std::vector<std::string> { "doc.bin" });
         writeBytes(folder.file("doc.bin"), { 'o', 'l', 'd' });
     }
-    struct stat info {};
+    struct stat info { };
     stat(folder.file("doc.bin").c_str(), &info);
     EXPECT_EQ(info.st_mode & 0777, 0640u);
 

@@ -4,11 +4,11 @@
 #include "kernel/KPath.h"
 
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <glib.h>
 #include <iterator>
-#include <cstdlib>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -76,7 +76,10 @@ inline void openForWriting(KFile& file, KFileMode mode)
 // Restores the process's current directory at the end of the scope.
 class CurrentDirectoryGuard {
 public:
-    CurrentDirectoryGuard() : saved(std::filesystem::current_path()) { }
+    CurrentDirectoryGuard()
+        : saved(std::filesystem::current_path())
+    {
+    }
     ~CurrentDirectoryGuard()
     {
         std::error_code ignored;

@@ -18,8 +18,8 @@ std::string text(const KString& s) { return std::string(s.c_str()); }
 // A localizer with the system's four columns, in their fixed order.
 void addSystemLanguages(KLocalizer& localizer)
 {
-    for (const auto& language : KLocalizerData::kLanguageFiles)
-        localizer.addLanguage(language.language);
+    for (const char* language : KLocalizerData::kLanguages)
+        localizer.addLanguage(language);
 }
 
 // Rows filled the way the fillers fill them: one call per language that
@@ -45,31 +45,6 @@ std::vector<std::string> keysInOrder(const KLocalizer& localizer)
     std::vector<std::string> keys;
     for (int32_t i = 0; i < localizer.getEntryCount(); ++i)
         keys.push_back(text(*localizer.getEntryAt(i)));
-    return keys;
-}
-
-// The source tree's data folder: from the environment ctest sets, else
-// found from this file's place in the tree.
-std::string sourceDataFolder()
-{
-    const char* source = std::getenv("TALELOOM_TEST_SOURCE_DIR");
-    if (source && *source)
-        return std::string(source) + "/data";
-    return (std::filesystem::path(__FILE__).parent_path().parent_path().parent_path() / "data").string();
-}
-
-std::string sourceData() { return sourceDataFolder() + "/locale"; }
-
-std::vector<std::string> readKeys()
-{
-    std::vector<std::string> keys;
-    std::ifstream in(sourceData() + "/keys.txt");
-    std::string line;
-    while (std::getline(in, line)) {
-        std::string key, error;
-        if (!line.empty() && KLocalizerData::unescape(line, key, error))
-            keys.push_back(key);
-    }
     return keys;
 }
 
@@ -229,60 +204,10 @@ TEST(LocalizerTest, IgnoresABadDataBaseAndDumpsToTheCurrentFolder)
     EXPECT_EQ(read->getEntryCount(), localizer->getEntryCount());
 }
 
-TEST(LocalizerTest, DataFileReaderReportsAndSkipsBadLines)
-{
-    std::string contents = "# comment\n"
-                           "\n"
-                           "Play\tJouer\n"
-                           "No tab here\n"
-                           "Too\tmany\ttabs\n"
-                           "Bad escape\\q\tx\n"
-                           "Two\\nlines\tDeux\\nlignes\\tet\\\\\n"
-                           "\\#Hash\tDièse\n"
-                           "Save...\tEnregistrer\n"
-                           "Save Changes To \tEnregistrer les modifications dans\n"
-                           "Page %d of %d\tPage %d\n"
-                           "Play\tAgain\n"
-                           "Empty\t\n"
-                           "Latin\t\xC3\x28\n"
-                           "Greek\t\xCE\xB1\r\n"
-                           "Open\tOuvrir";
-    auto parsed = KLocalizerData::parse(contents, "fr.txt");
-    ASSERT_EQ(parsed.entries.size(), 4u);
-    EXPECT_EQ(parsed.entries[0].key, "Play");
-    EXPECT_EQ(parsed.entries[0].line, 3);
-    EXPECT_EQ(parsed.entries[1].key, "Two\nlines");
-    EXPECT_EQ(parsed.entries[1].text, "Deux\nlignes\tet\\");
-    EXPECT_EQ(parsed.entries[2].key, "#Hash");
-    EXPECT_EQ(parsed.entries[3].text, "Ouvrir");
-    std::vector<int32_t> badLines;
-    for (const auto& problem : parsed.problems) {
-        EXPECT_EQ(problem.file, "fr.txt");
-        badLines.push_back(problem.line);
-    }
-    EXPECT_EQ(badLines, (std::vector<int32_t> { 4, 5, 6, 9, 10, 11, 12, 13, 14, 15 }));
-
-    EXPECT_EQ(KLocalizerData::escape("#a\tb\nc\\"), "\\#a\\tb\\nc\\\\");
-    EXPECT_EQ(KLocalizerData::placeholders("%1 of {count} at 100%"), (std::vector<std::string> { "%1", "{count}" }));
-    EXPECT_EQ(KLocalizerData::checkTranslation("&File", "Fichier"), "the translation drops the accelerator \"&\"");
-    EXPECT_EQ(KLocalizerData::checkTranslation("Copy %s", "Copier %s"), "");
-
-    // Loading stores Windows-set text; bad lines never stop it.
-    filetest::TempFolder folder;
-    std::ofstream(folder.file("fr.txt")) << contents;
-    KLocalizerPtr localizer(new KLocalizer());
-    addSystemLanguages(*localizer);
-    EXPECT_EQ(KLocalizerData::loadLanguageFile(*localizer, 0, folder.file("fr.txt")), 4);
-    EXPECT_EQ(text(localizer->translate("#Hash", 0)), "Di\xE8se");
-    EXPECT_EQ(KLocalizerData::loadLanguageFile(*localizer, 0, folder.file("none.txt")), 0);
-}
-
-TEST(LocalizerTest, BaseLocalizerReadsTheDataFolder)
+TEST(LocalizerTest, BaseLocalizerHoldsTheCompiledTranslations)
 {
     EXPECT_EQ(text(kBaseTranslate("Cancel")), "Cancel");
-    setenv("TALELOOM_DATA_DIR", sourceDataFolder().c_str(), 1);
     kCreateBaseLocalizer();
-    unsetenv("TALELOOM_DATA_DIR");
     KLocalizer* base = kBaseLocalizer();
     ASSERT_NE(base, nullptr);
     EXPECT_EQ(base->getLanguageCount(), 4);
@@ -293,47 +218,70 @@ TEST(LocalizerTest, BaseLocalizerReadsTheDataFolder)
     base->setLanguage("Deutsch");
     EXPECT_EQ(text(kBaseTranslate("Cancel")), "Abbrechen");
     EXPECT_EQ(text(kBaseTranslate("A key nobody wrote")), "A key nobody wrote");
+    // Texts arrive in the Windows set.
+    base->setLanguage(KLocalizer::kFrench);
+    EXPECT_EQ(text(kBaseTranslate("Venetian Blinds")), "Store v\xE9nitien");
+    // A second fill finds its columns and adds no row.
+    int32_t rows = base->getEntryCount();
+    KLocalizerData::fill(*base);
+    EXPECT_EQ(base->getLanguageCount(), 4);
+    EXPECT_EQ(base->getEntryCount(), rows);
     kDestroyBaseLocalizer();
     EXPECT_EQ(kBaseLocalizer(), nullptr);
 }
 
-// Every data file must parse cleanly and keep its keys' placeholders.
-TEST(LocalizerTest, DataFilesAreClean)
+// Messages with numbered arguments come out as whole sentences in every
+// language, arguments where the language puts them.
+struct SentenceCase {
+    const char* language;
+    const char* key;
+    std::vector<KString> arguments;
+    const char* expected; // Windows set
+};
+
+class LocalizerSentenceTest : public testing::TestWithParam<SentenceCase> { };
+
+TEST_P(LocalizerSentenceTest, RendersTheWholeSentence)
 {
-    for (const auto& language : KLocalizerData::kLanguageFiles) {
-        std::string path = sourceData() + "/" + language.fileName;
-        if (!std::filesystem::exists(path))
-            continue;
-        auto parsed = KLocalizerData::readFile(path);
-        EXPECT_TRUE(parsed.opened) << path;
-        for (const auto& problem : parsed.problems)
-            ADD_FAILURE() << problem.file << ":" << problem.line << ": " << problem.message;
-    }
+    const SentenceCase& sentence = GetParam();
+    KLocalizerPtr localizer(new KLocalizer());
+    KLocalizerData::fill(*localizer);
+    localizer->setLanguage(sentence.language);
+    KString translated = localizer->translate(sentence.key);
+    const auto& a = sentence.arguments;
+    KString rendered = a.size() == 1 ? translated.withArguments({ a[0] }) : translated.withArguments({ a[0], a[1] });
+    EXPECT_EQ(text(rendered), sentence.expected);
 }
 
-// Lists, per language, the keys that have no translation yet and the
-// translations whose key is no longer in keys.txt. Informative only.
-TEST(LocalizerTest, ListsMissingTranslations)
-{
-    auto keys = readKeys();
-    ASSERT_FALSE(keys.empty()) << "no keys.txt under " << sourceData();
-    std::set<std::string> known(keys.begin(), keys.end());
-    for (const auto& language : { "fr.txt", "it.txt", "de.txt" }) {
-        auto parsed = KLocalizerData::readFile(sourceData() + "/" + language);
-        std::set<std::string> translated;
-        for (const auto& entry : parsed.entries) {
-            translated.insert(entry.key);
-            if (!known.count(entry.key))
-                std::printf("%s: translation of a key not in keys.txt: \"%s\"\n", language, entry.key.c_str());
-        }
-        int missing = 0;
-        for (const auto& key : keys) {
-            if (!translated.count(key)) {
-                ++missing;
-                std::printf("%s: missing \"%s\"\n", language, key.c_str());
-            }
-        }
-        std::printf("%s: %d of %zu keys translated, %d missing\n", language, int(keys.size()) - missing, keys.size(),
-                    missing);
-    }
-}
+INSTANTIATE_TEST_SUITE_P(
+    Messages, LocalizerSentenceTest,
+    testing::Values(
+        SentenceCase {
+            "English", "The actor file is missing: %1", { "Cat.act" }, "The actor file is missing: Cat.act" },
+        SentenceCase { KLocalizer::kFrench,
+                       "The actor file is missing: %1",
+                       { "Cat.act" },
+                       "Le fichier de l'acteur est introuvable\xA0: Cat.act" },
+        SentenceCase { "Italiano", "Not listed: %1", { "3" }, "Non elencati: 3" },
+        SentenceCase { "Deutsch", "Look for missing file: %1", { "Bild.png" }, "Fehlende Datei suchen: Bild.png" },
+        SentenceCase { KLocalizer::kFrench,
+                       "This document's resolution (%1) exceeds the screen resolution (%2); this document cannot be "
+                       "opened.",
+                       { "1024,768", "800,600" },
+                       "La r\xE9solution de ce document (1024,768) d\xE9passe la r\xE9solution de l'\xE9"
+                       "cran "
+                       "(800,600)\xA0; ce document ne peut pas \xEAtre ouvert." },
+        SentenceCase { "Italiano",
+                       "This actor's resolution (%1) exceeds the screen resolution (%2); this actor cannot be opened "
+                       "for editing.",
+                       { "1024x768", "800x600" },
+                       "La risoluzione di questo attore (1024x768) supera la risoluzione dello schermo (800x600); "
+                       "questo attore non pu\xF2 essere aperto per la modifica." },
+        SentenceCase { "Deutsch",
+                       "This actor's resolution (%1) exceeds the screen resolution (%2); this actor cannot be opened "
+                       "for editing.",
+                       { "1024x768", "800x600" },
+                       "Die Aufl\xF6sung dieses Darstellers (1024x768) \xFC"
+                       "berschreitet die Bildschirmaufl\xF6sung "
+                       "(800x600); dieser Darsteller kann nicht zum Bearbeiten ge\xF6"
+                       "ffnet werden." }));

@@ -1,9 +1,11 @@
+#include "kernel/KArray.h"
 #include "kernel/KClass.h"
 #include "kernel/KNativePtr.h"
 #include "kernel/KString.h"
 #include "kernel/KThingPtr.h"
 #include "tests/support/TestSupport.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
@@ -105,7 +107,7 @@ TEST(KThing, TypedReferencesConvertAlongTheClassLine)
 {
     KPtr<KString> text(new KString("hello"));
     KPtr<KComparable> comparable(text);
-    KThingPtr plain(comparable);
+    KThingPtr plain(comparable); // NOLINT(performance-unnecessary-copy-initialization): the copy is tested
     EXPECT_EQ(plain.get(), text.get());
     EXPECT_EQ(text.getObject().getReferenceCount(), 4);
     EXPECT_TRUE(text == plain);
@@ -146,15 +148,6 @@ TEST(KThingDeathTest, DeletingAHeldObjectIsFatal)
         "Delete Referenced Object!");
 }
 
-TEST(KThing, DefaultSlotsReportNotImplemented)
-{
-    ErrorRecorder errors;
-    KThing thing;
-    EXPECT_EQ(thing.deepCopy(), nullptr);
-    EXPECT_EQ(errors.lastCode(), KError::MethodShouldNotBeCalled);
-    EXPECT_EQ(errors.lastLocation(), "KThing& deepCopy() const");
-}
-
 TEST(KClass, IdsAreTheWrappingProductOfSignedCharacters)
 {
     EXPECT_EQ(KClass::computeClassID("KArray"), 574161292);
@@ -192,7 +185,7 @@ TEST(KClass, RegistryLooksUpAndAnswersSubclassQuestions)
     ErrorRecorder errors;
     EXPECT_EQ(KClass::findClass("NoSuchClass"), nullptr);
     EXPECT_EQ(errors.lastCode(), KError::ClassNotRegistered);
-    EXPECT_EQ(errors.lastLocation(), "KClass::findClass(NoSuchClass)");
+    EXPECT_THAT(errors.lastLocation(), testing::HasSubstr("NoSuchClass"));
     EXPECT_FALSE(KClass::hasClass("NoSuchClass"));
     EXPECT_EQ(KClass::findClass("KComparable")->createObject(), nullptr);
     EXPECT_EQ(errors.lastCode(), KError::CreateProcNull);
@@ -213,24 +206,23 @@ TEST(KErrorHandler, ModesDecideWhatARaiseDoes)
     {
         ErrorRecorder errors;
         KErrorHandler::clearLastError();
-        KErrorHandler::raiseError(0, "nowhere");
+        KErrorHandler::raiseError(0);
         EXPECT_TRUE(errors.empty());
         EXPECT_EQ(KErrorHandler::getLastError(), 0);
-        KErrorHandler::raiseError(KError::ArrayInUse, "here");
+        KErrorHandler::raiseError(KError::ArrayInUse);
         EXPECT_EQ(errors.lastCode(), KError::ArrayInUse);
         EXPECT_EQ(KErrorHandler::getLastError(), KError::ArrayInUse);
     }
     KErrorHandler::setErrorMode(KErrorHandler::Silent);
-    KErrorHandler::raiseError(KError::NoObject, "silent");
+    KErrorHandler::raiseError(KError::NoObject);
     EXPECT_EQ(KErrorHandler::getLastError(), KError::NoObject);
     KErrorHandler::setErrorMode(KErrorHandler::Internal);
 
     // A notice shows its message and returns.
     testing::internal::CaptureStderr();
-    KErrorHandler::raiseError(KError::ErrorCopyingFile, "KFile::copy");
+    KErrorHandler::raiseError(KError::ErrorCopyingFile);
     std::string shown = testing::internal::GetCapturedStderr();
     EXPECT_NE(shown.find("Error Copying File"), std::string::npos);
-    EXPECT_NE(shown.find("KFile::copy"), std::string::npos);
 
     EXPECT_STREQ(KErrorHandler::textOf(KError::UnsupportedFormat), "Unsupported Format!");
     EXPECT_EQ(KErrorHandler::severityOf(KError::UnsupportedFormat), KErrorHandler::Warning);
@@ -247,9 +239,11 @@ TEST(KErrorHandler, ModesDecideWhatARaiseDoes)
     EXPECT_EQ(KErrorHandler::mapErrno(EDQUOT), KError::DiskFull);
 }
 
-TEST(KErrorHandlerDeathTest, UnknownCodeEndsTheProcessAsUnknownFatalError)
+TEST(KErrorHandlerDeathTest, FatalEndIsAFailureExitStatus)
 {
-    EXPECT_FATAL(KErrorHandler::raiseError(4711, "somewhere"), "Unknown Fatal Error");
+    // Scripts and session managers must see the failure: EX_SOFTWARE, never 0.
+    EXPECT_EXIT(KErrorHandler::raiseError(KError::NoObject), testing::ExitedWithCode(70), "No Object!");
+    EXPECT_EXIT(KErrorHandler::fatal("broken"), testing::ExitedWithCode(70), "broken");
 }
 
 namespace {
@@ -258,7 +252,7 @@ int32_t rescueThatFailsAgain(const char*, const char*)
 {
     ++gRescueCalls;
     std::fprintf(stderr, "rescue %d\n", gRescueCalls);
-    KErrorHandler::raiseError(KError::OutOfMemory, "during rescue");
+    KErrorHandler::raiseError(KError::OutOfMemory);
     return 0;
 }
 } // namespace
@@ -268,7 +262,7 @@ TEST(KErrorHandlerDeathTest, FatalErrorDuringRescueDoesNotRescueAgain)
     EXPECT_FATAL(
         {
             KErrorHandler::setFatalProc(&rescueThatFailsAgain);
-            KErrorHandler::raiseError(KError::NoObject, "first");
+            KErrorHandler::raiseError(KError::NoObject);
         },
         "rescue 1\n.*Out Of Memory!");
 }
@@ -280,7 +274,7 @@ TEST(KNativePtr, DisposesItsHandleOnce)
     int handle = 7;
     {
         KNativePtr holder(&handle, [](void*) { ++disposed; });
-        KNativePtr copy(holder);
+        KNativePtr copy(holder); // NOLINT(performance-unnecessary-copy-initialization): the copy is tested
         EXPECT_EQ(copy.getNativePtr(), &handle);
     }
     EXPECT_EQ(disposed, 1);

@@ -136,39 +136,6 @@ TEST(KTree, BalanceBuildsMinimalHeightAndKeepsEveryNode)
     EXPECT_EQ(Key::live, 0);
 }
 
-TEST(KTree, BalanceShapes)
-{
-    // 7 nodes make a perfect tree.
-    KTree perfect;
-    for (int32_t v : { 1, 2, 3, 4, 5, 6, 7 })
-        perfect.insert(*new Key(v));
-    perfect.balance();
-    KTreeNode* root = perfect.getRoot();
-    EXPECT_EQ(keyOf(root).value, 4);
-    EXPECT_EQ(keyOf(root->getLeft()).value, 2);
-    EXPECT_EQ(keyOf(root->getRight()).value, 6);
-    EXPECT_EQ(keyOf(root->getLeft()->getLeft()).value, 1);
-    EXPECT_EQ(keyOf(root->getRight()->getRight()).value, 7);
-
-    // With 5 nodes the two bottom leaves are spread along the level rather
-    // than packed to the left: 1 under 2, and 4 under 5.
-    KTree spread;
-    for (int32_t v : { 1, 2, 3, 4, 5 })
-        spread.insert(*new Key(v));
-    spread.balance();
-    root = spread.getRoot();
-    EXPECT_EQ(keyOf(root).value, 3);
-    EXPECT_EQ(keyOf(root->getLeft()).value, 2);
-    EXPECT_EQ(keyOf(root->getLeft()->getLeft()).value, 1);
-    EXPECT_EQ(keyOf(root->getRight()).value, 5);
-    EXPECT_EQ(keyOf(root->getRight()->getLeft()).value, 4);
-    EXPECT_EQ(root->getRight()->getRight(), nullptr);
-
-    KTree empty;
-    empty.balance();
-    EXPECT_EQ(empty.getRoot(), nullptr);
-}
-
 TEST(KTree, DeepTreesAreBalancedAndFreedWithoutRecursion)
 {
     constexpr int32_t n = 300000;
@@ -206,28 +173,4 @@ TEST(KTree, DeepCopyDuplicatesNodesAndData)
     EXPECT_EQ(inOrder(*copy), inOrder(tree));
     EXPECT_NE(copy->getRoot(), tree.getRoot());
     EXPECT_NE(copy->getRoot()->getLeft()->getData(), tree.getRoot()->getLeft()->getData());
-}
-
-TEST(KTree, DumpWritesIndentedPreOrderText)
-{
-    KTree tree;
-    tree.insert(*new KString("m"));
-    tree.insert(*new KString("c"));
-    tree.insert(*new KString("x"));
-    tree.getRoot()->getRight()->clearData();
-    std::string path = testing::TempDir() + "tree-dump-" + std::to_string(getpid()) + ".txt";
-    tree.dump(KString(path.c_str()));
-
-    std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    std::remove(path.c_str());
-    EXPECT_EQ(text.str(), "ROOT\n"
-                          "m\n"
-                          " c\n"
-                          " No Left\n"
-                          " No Right\n"
-                          " No Data\n"
-                          " No Left\n"
-                          " No Right\n");
 }

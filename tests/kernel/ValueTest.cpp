@@ -11,29 +11,6 @@
 #include <numbers>
 #include <string>
 
-TEST(KNumber, TypedComparisonsWorkAndTheGenericSlotsRaise)
-{
-    KNumber one(1);
-    KNumber two(2.0);
-    EXPECT_TRUE(one < two);
-    EXPECT_TRUE(one <= two);
-    EXPECT_TRUE(two > one);
-    EXPECT_TRUE(two >= 2.0);
-    EXPECT_TRUE(one != two);
-    EXPECT_TRUE(one == 1.0);
-
-    // Through the ordering interface a number is not comparable: sorting
-    // numbers needs a compare procedure.
-    ErrorRecorder recorder;
-    const KComparable& generic = one;
-    EXPECT_TRUE(generic < static_cast<const KComparable&>(two));
-    EXPECT_TRUE(generic > static_cast<const KComparable&>(two));
-    ASSERT_EQ(recorder.errors().size(), 2u);
-    EXPECT_EQ(recorder.errors()[0].code, KError::MethodShouldNotBeCalled);
-    EXPECT_EQ(recorder.errors()[0].location, "KComparable::operator<");
-    EXPECT_EQ(recorder.errors()[1].location, "KComparable::operator>");
-}
-
 TEST(KNumber, ArithmeticGivesNewHeapNumbers)
 {
     int32_t liveBefore = KThing::liveCount();
@@ -123,36 +100,6 @@ TEST(KDateAndKTime, TextIsZeroPaddedAndOrderIsFieldByField)
     EXPECT_EQ(recorder.lastCode(), KError::MethodShouldNotBeCalled);
 }
 
-TEST(KVariable, EachConstructorSetsItsTag)
-{
-    EXPECT_EQ(KVariable().getType(), KVariable::LongType);
-    EXPECT_EQ(KVariable().getLong(), 0);
-    EXPECT_EQ(KVariable('x').getType(), KVariable::CharType);
-    EXPECT_EQ(KVariable(static_cast<signed char>(-3)).getChar(), -3);
-    EXPECT_EQ(KVariable(true).getType(), KVariable::BoolType);
-    EXPECT_EQ(KVariable(int16_t(-2)).getType(), KVariable::ShortType);
-    EXPECT_EQ(KVariable(7).getType(), KVariable::LongType);
-    EXPECT_EQ(KVariable(1.5f).getType(), KVariable::FloatType);
-    EXPECT_EQ(KVariable(1.5).getType(), KVariable::DoubleType);
-    // A C text is a string, not a bool.
-    EXPECT_EQ(KVariable("text").getType(), KVariable::StringType);
-    EXPECT_EQ(KVariable("text").getString(), "text");
-    EXPECT_EQ(KVariable(KString("s")).getType(), KVariable::StringType);
-    EXPECT_EQ(KVariable(static_cast<unsigned char>(200)).getUnsignedChar(), 200);
-    EXPECT_EQ(KVariable(uint16_t(60000)).getType(), KVariable::UnsignedShortType);
-    EXPECT_EQ(KVariable(4000000000u).getUnsignedLong(), 4000000000u);
-    EXPECT_EQ(KVariable(static_cast<KThing*>(nullptr)).getType(), KVariable::ObjectType);
-
-    // Scalars are read without a tag test and without conversion.
-    KVariable v(int16_t(-1));
-    EXPECT_EQ(v.getUnsignedShort(), 65535);
-    EXPECT_EQ(v.getLong(), 65535); // the upper bytes were cleared
-    v.setType(KVariable::UnsignedLongType);
-    EXPECT_EQ(v.getType(), KVariable::UnsignedLongType);
-    EXPECT_TRUE(v.getString().isEmpty());
-    EXPECT_EQ(v.getObject(), nullptr);
-}
-
 TEST(KVariable, HoldsHeapStringsAndObjectsAndCopiesStackStrings)
 {
     auto* heap = new KString("shared");
@@ -198,7 +145,6 @@ TEST(KVariable, HoldsHeapStringsAndObjectsAndCopiesStackStrings)
     KVariable refused;
     refused.setObject(stackNumber);
     EXPECT_EQ(recorder.lastCode(), KError::ObjectNotOnHeap);
-    EXPECT_EQ(recorder.lastLocation(), "Object not on heap!");
     EXPECT_EQ(refused.getType(), KVariable::LongType);
     EXPECT_EQ(refused.getObject(), nullptr);
 }
@@ -220,7 +166,9 @@ TEST(KTextCodec, ConvertsTheWindowsSetBothWaysWithoutFailingAsAWhole)
     EXPECT_TRUE(KTextCodec::fromUtf8("").isEmpty());
 
     // Characters the set cannot hold, and broken UTF-8, become "?".
-    EXPECT_EQ(KTextCodec::fromUtf8("a\xE4\xB8\xAD" "b\xE2\x82\xAC"), "a?b\x80");
+    EXPECT_EQ(KTextCodec::fromUtf8("a\xE4\xB8\xAD"
+                                   "b\xE2\x82\xAC"),
+              "a?b\x80");
     EXPECT_EQ(KTextCodec::fromUtf8("x\xFFy\xC3"), "x?y?");
     EXPECT_EQ(KTextCodec::fromUtf8(std::string_view("n\0\xC3\xA9\0", 5)).getLength(), 4); // zero bytes stay
     EXPECT_EQ(KTextCodec::toUtf8(std::string_view("\0\xE9", 2)), std::string("\0\xC3\xA9", 3));

@@ -42,7 +42,7 @@ TEST_F(EditSpriteTest, HitTestFindsHandlesBarInsideAndBorder)
     // The default rectangle (10, 10, 100, 100), handles of 10 on a frame 10
     // outside it: the frame is (0, 0, 120, 120).
     EXPECT_EQ(frame->getRectangle(), Rect(10, 10, 100, 100));
-    EXPECT_EQ(hit(60, 0), EditSprite::Top);   // the bar, 30 by 12 at (45, -2)
+    EXPECT_EQ(hit(60, 0), EditSprite::Top); // the bar, 30 by 12 at (45, -2)
     EXPECT_EQ(hit(45, -2), EditSprite::Top);
     EXPECT_EQ(hit(0, 0), EditSprite::TopLeft);
     EXPECT_EQ(hit(119, 0), EditSprite::TopRight);
@@ -53,7 +53,7 @@ TEST_F(EditSpriteTest, HitTestFindsHandlesBarInsideAndBorder)
     EXPECT_EQ(hit(115, 60), EditSprite::Right);
     EXPECT_EQ(hit(50, 50), EditSprite::Inside);
     EXPECT_EQ(hit(109, 50), EditSprite::Inside);
-    EXPECT_EQ(hit(110, 50), EditSprite::Border);  // up to 6 outside
+    EXPECT_EQ(hit(110, 50), EditSprite::Border); // up to 6 outside
     EXPECT_EQ(hit(4, 30), EditSprite::Border);
     EXPECT_EQ(hit(3, 30), EditSprite::NoHandle);
     EXPECT_EQ(hit(117, 50), EditSprite::NoHandle);
@@ -98,7 +98,7 @@ TEST_F(EditSpriteTest, MovesKeepTouchingTheLimitsAndShiftCanLeaveThePressAlone)
     frame->setRectangle(Rect(10, 10, 100, 100));
     dragFrom(4, 50, 14, 60);
     EXPECT_EQ(frame->getRectangle(), Rect(20, 20, 100, 100));
-    dragFrom(70, 10, 60, 10);  // bar of the moved frame: (55, 8)
+    dragFrom(70, 10, 60, 10); // bar of the moved frame: (55, 8)
     EXPECT_EQ(frame->getRectangle(), Rect(10, 20, 100, 100));
 
     // Nothing grabbed: no action.
@@ -297,14 +297,14 @@ TEST_F(SceneTest, TheSceneOwnsThePageAndKeepsTheEditFrameOnTop)
     scene->startEdit(Rect(5, 5, 30, 20), *picture);
     EXPECT_TRUE(scene->isEditing());
     EXPECT_EQ(screenAt(20 + 15, 10 + 12), yellow);
-    EXPECT_EQ(screenAt(20 + 4, 10 + 7), black);  // the frame's inner line
-    EXPECT_EQ(screenAt(20 + 2, 10 + 7), white);  // its broad white band
-    EXPECT_EQ(screenAt(20 + 0, 10 + 0), black);  // the top left handle
+    EXPECT_EQ(screenAt(20 + 4, 10 + 7), black); // the frame's inner line
+    EXPECT_EQ(screenAt(20 + 2, 10 + 7), white); // its broad white band
+    EXPECT_EQ(screenAt(20 + 0, 10 + 0), black); // the top left handle
     Rect final = scene->endEdit();
     system.step(0.0f);
     EXPECT_EQ(final, Rect(5, 5, 30, 20));
     EXPECT_FALSE(scene->isEditing());
-    EXPECT_EQ(screenAt(20 + 15, 10 + 12), black);  // the black page again
+    EXPECT_EQ(screenAt(20 + 15, 10 + 12), black); // the black page again
     EXPECT_EQ(screenAt(20 + 2, 10 + 7), black);
     EXPECT_EQ(scene->getEditSprite().getGraphicObject(), nullptr);
 }

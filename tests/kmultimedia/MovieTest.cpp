@@ -42,10 +42,7 @@ KFileReference referenceTo(const std::string& path)
 
 class MovieTest : public MediaTest {
 protected:
-    static void SetUpTestSuite()
-    {
-        moviePath() = makeTestMovie(64, 48, 25, movieError());
-    }
+    static void SetUpTestSuite() { moviePath() = makeTestMovie(64, 48, 25, movieError()); }
     static void TearDownTestSuite() { removeTestMovie(moviePath()); }
     static std::string& moviePath()
     {
@@ -236,7 +233,7 @@ TEST(MovieFrameTest, FramesAreFittedToTheRectangleAndClipped)
     ASSERT_TRUE(KMovie::paintFrame(frame, page->getDevice(), KGraphicRectangle(2, 1, 4, 4)));
     std::vector<uint32_t> got = pixelsIn(*page, KGraphicRectangle(0, 0, 5, 4));
     std::vector<uint32_t> want = {
-        0, 0, 0,        0,        0,        //
+        0, 0, 0,        0,        0, //
         0, 0, 0x110000, 0x110000, 0x220000, //
         0, 0, 0x110000, 0x110000, 0x220000, //
         0, 0, 0x000011, 0x000011, 0x000022, //

@@ -9,8 +9,7 @@
 // Writes a small movie of the moving-ball test pattern into a fresh
 // temporary folder: H.264 in MP4. Returns the file's path, or an empty
 // string with the reason in `error`. Gives up after a time limit.
-inline std::string makeTestMovie(int width, int height, int frames, std::string& error,
-                                 const char* name = "ball.mp4")
+inline std::string makeTestMovie(int width, int height, int frames, std::string& error, const char* name = "ball.mp4")
 {
     if (!gst_is_initialized())
         gst_init(nullptr, nullptr);
@@ -21,11 +20,10 @@ inline std::string makeTestMovie(int width, int height, int frames, std::string&
     }
     std::string path = std::string(folder) + "/" + name;
     g_free(folder);
-    std::string description = "videotestsrc num-buffers=" + std::to_string(frames) +
-                              " pattern=ball ! video/x-raw,format=I420,width=" + std::to_string(width) +
-                              ",height=" + std::to_string(height) +
-                              ",framerate=25/1 ! x264enc speed-preset=ultrafast ! mp4mux ! filesink location=\"" +
-                              path + "\"";
+    std::string description
+        = "videotestsrc num-buffers=" + std::to_string(frames) + " pattern=ball ! video/x-raw,format=I420,width="
+          + std::to_string(width) + ",height=" + std::to_string(height)
+          + ",framerate=25/1 ! x264enc speed-preset=ultrafast ! mp4mux ! filesink location=\"" + path + "\"";
     GError* parseError = nullptr;
     GstElement* pipeline = gst_parse_launch(description.c_str(), &parseError);
     if (!pipeline) {
@@ -38,8 +36,8 @@ inline std::string makeTestMovie(int width, int height, int frames, std::string&
         g_error_free(parseError);
     gst_element_set_state(pipeline, GST_STATE_PLAYING);
     GstBus* bus = gst_element_get_bus(pipeline);
-    GstMessage* message = gst_bus_timed_pop_filtered(bus, 30 * GST_SECOND,
-                                                     GstMessageType(GST_MESSAGE_EOS | GST_MESSAGE_ERROR));
+    GstMessage* message
+        = gst_bus_timed_pop_filtered(bus, 30 * GST_SECOND, GstMessageType(GST_MESSAGE_EOS | GST_MESSAGE_ERROR));
     if (!message)
         error = "the encoder did not finish in time";
     else if (GST_MESSAGE_TYPE(message) == GST_MESSAGE_ERROR)

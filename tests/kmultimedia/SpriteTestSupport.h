@@ -15,10 +15,14 @@
 // Colours by their 8-bit channels, so that a failing pixel reads well.
 inline std::string rgb(const KColor& c)
 {
-    return std::to_string(c.getRed() >> 8) + "," + std::to_string(c.getGreen() >> 8) + "," + std::to_string(c.getBlue() >> 8);
+    return std::to_string(c.getRed() >> 8) + "," + std::to_string(c.getGreen() >> 8) + ","
+           + std::to_string(c.getBlue() >> 8);
 }
 
-inline KColor colour(uint8_t r, uint8_t g, uint8_t b) { return KColor(uint16_t(r * 257), uint16_t(g * 257), uint16_t(b * 257)); }
+inline KColor colour(uint8_t r, uint8_t g, uint8_t b)
+{
+    return KColor(uint16_t(r * 257), uint16_t(g * 257), uint16_t(b * 257));
+}
 
 inline const KColor kRed = colour(255, 0, 0);
 inline const KColor kGreen = colour(0, 255, 0);
@@ -39,7 +43,10 @@ inline const std::string black = rgb(kBlack);
 inline const std::string sentinel = rgb(kSentinel);
 inline const std::string white = rgb(kWhite);
 
-inline std::string pixelAt(KGraphicDevice& device, int x, int y) { return rgb(device.getPixel(int16_t(x), int16_t(y))); }
+inline std::string pixelAt(KGraphicDevice& device, int x, int y)
+{
+    return rgb(device.getPixel(int16_t(x), int16_t(y)));
+}
 
 inline KPtr<KImage> solidImage(int w, int h, const KColor& fill)
 {
@@ -93,7 +100,7 @@ protected:
     }
 
     // Attaches the screen with the page at the origin and the layers added.
-    void attach(int32_t mode, int originX = 0, int originY = 0)
+    void attach(KSpriteSystem::UpdateMode mode, int originX = 0, int originY = 0)
     {
         sprites->setUpdateMode(mode);
         sprites->setBufferRect(KGraphicRectangle(0, 0, kPageWidth, kPageHeight));

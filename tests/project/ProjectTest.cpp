@@ -24,12 +24,13 @@ using namespace projecttest;
 namespace {
 
 const std::string kNotADocument = "Error while reading file: This file is not a TaleLoom Document File!";
-const std::string kNewerVersion = "Load Project: It seams that this project is of a newer version; some data was ignored";
+const std::string kNewerVersion
+    = "Load Project: It seems that this project is of a newer version; some data was ignored";
 
 int32_t longAt(const std::vector<uint8_t>& bytes, size_t offset)
 {
-    return int32_t(uint32_t(bytes.at(offset)) << 24 | uint32_t(bytes.at(offset + 1)) << 16 |
-                   uint32_t(bytes.at(offset + 2)) << 8 | uint32_t(bytes.at(offset + 3)));
+    return int32_t(uint32_t(bytes.at(offset)) << 24 | uint32_t(bytes.at(offset + 1)) << 16
+                   | uint32_t(bytes.at(offset + 2)) << 8 | uint32_t(bytes.at(offset + 3)));
 }
 
 int16_t shortAt(const std::vector<uint8_t>& bytes, size_t offset)
@@ -282,7 +283,7 @@ TEST_F(ProjectTest, NewerDocumentsLoadWithAWarning)
     writeBytes(folder.file("story/story.TPD"), bytes);
     StylusProjectPtr project(new StylusProject());
     EXPECT_TRUE(project->load(documentFile()));
-    EXPECT_EQ(scope.host.alerts, std::vector<std::string>{ kNewerVersion });
+    EXPECT_EQ(scope.host.alerts, std::vector<std::string> { kNewerVersion });
     EXPECT_EQ(project->getTape()->getCount(), 5);
 
     // Version 3 with a tape section this program does not know: the lock
@@ -299,7 +300,7 @@ TEST_F(ProjectTest, NewerDocumentsLoadWithAWarning)
     writeBytes(folder.file("story/locked.TPD"), bytes);
     StylusProjectPtr read(new StylusProject());
     EXPECT_TRUE(read->load(documentFile("story/locked.TPD")));
-    EXPECT_EQ(scope.host.alerts, std::vector<std::string>{ kNewerVersion });
+    EXPECT_EQ(scope.host.alerts, std::vector<std::string> { kNewerVersion });
     EXPECT_EQ(read->getTape()->getCount(), 5);
     EXPECT_EQ(read->getTape()->getLockPosition(), -1);
 }
@@ -330,7 +331,7 @@ TEST_F(ProjectTest, FilesThatAreNoDocumentAreRefusedAfterASecondTry)
         StylusProjectPtr project = openProject();
         Tape* before = project->getTape();
         EXPECT_FALSE(project->load(documentFile(name)));
-        EXPECT_EQ(scope.host.alerts, std::vector<std::string>{ kNotADocument });
+        EXPECT_EQ(scope.host.alerts, std::vector<std::string> { kNotADocument });
         EXPECT_EQ(busyCalls, 2) << "the document is read twice";
         // The story that was open stays as it was; only its name goes.
         EXPECT_EQ(project->getTape(), before);
@@ -347,7 +348,7 @@ TEST_F(ProjectTest, FilesThatAreNoDocumentAreRefusedAfterASecondTry)
     writeBytes(folder.file("story/old.stt"), { 1, 2, 3, 4 });
     StylusProjectPtr project = openProject();
     EXPECT_FALSE(project->load(documentFile("story/old.stt")));
-    EXPECT_EQ(scope.host.alerts, std::vector<std::string>{ kNotADocument });
+    EXPECT_EQ(scope.host.alerts, std::vector<std::string> { kNotADocument });
     EXPECT_EQ(project->getTape()->getCount(), 1);
 }
 
@@ -364,7 +365,7 @@ TEST_F(ProjectTest, LoadingMakesTheProjectFolders)
     EXPECT_TRUE(std::filesystem::is_directory(folder.file("story/Media")));
     EXPECT_TRUE(std::filesystem::is_directory(folder.file("story/Actors")));
     // What was in a folder stays.
-    EXPECT_EQ(bytesOf(folder.file("story/Actors/Bear.ACT")), std::vector<uint8_t>{ 9 });
+    EXPECT_EQ(bytesOf(folder.file("story/Actors/Bear.ACT")), std::vector<uint8_t> { 9 });
     EXPECT_TRUE(project->getMediaDirectory()->doesExist());
     EXPECT_TRUE(project->getActorsDirectory()->doesExist());
 }
@@ -442,7 +443,7 @@ TEST_F(ProjectTest, LoadsFromMemory)
     // A document cut short is refused.
     Tape* held = project->getTape();
     EXPECT_FALSE(loadBytes(*project, std::vector<uint8_t>(bytes.begin(), bytes.begin() + long(bytes.size() / 2))));
-    EXPECT_EQ(scope.host.alerts, std::vector<std::string>{ kNotADocument });
+    EXPECT_EQ(scope.host.alerts, std::vector<std::string> { kNotADocument });
     EXPECT_EQ(project->getTape(), held);
 }
 
@@ -494,7 +495,7 @@ TEST(ProjectResolution, RefusesDocumentsLargerThanTheScreen)
     EXPECT_TRUE(projectResolutionRefusal(640, 480, 640, 480).isEmpty());
     EXPECT_TRUE(projectResolutionRefusal(100, 100, 1920, 1080).isEmpty());
     EXPECT_EQ(std::string(projectResolutionRefusal(1024, 768, 800, 800).c_str()),
-              "This document's resolution (1024,768) exceeds screen resolution (800,800); this document cannot be "
-              "opened.");
+              "This document's resolution (1024,768) exceeds the screen resolution (800,800); this document cannot "
+              "be opened.");
     EXPECT_FALSE(projectResolutionRefusal(640, 481, 1920, 480).isEmpty());
 }

@@ -25,10 +25,10 @@ struct LoadOutcome {
 // Loads the project from inside the event loop, then quits.
 class LoadEvent : public KEvent {
 public:
-    LoadEvent(StylusProject& project, KFileReference file, LoadOutcome& outcome)
+    LoadEvent(StylusProject& project, const KFileReference& file, LoadOutcome& outcome)
         : KEvent(1)
         , project(project)
-        , file(std::move(file))
+        , file(file)
         , outcome(outcome)
     {
     }

@@ -3,10 +3,8 @@
 #include "kernel/KErrorHandler.h"
 
 #include <string>
+#include <sysexits.h>
 #include <vector>
-
-// The exit status of a fatal error inside a test program; death tests expect it.
-constexpr int kTestFatalExitCode = 3;
 
 // Records every raise while in scope, with the error mode set to forwarding,
 // so a test can check which errors a call raised without ending the process.
@@ -45,9 +43,8 @@ private:
     }
     static void record(int32_t code, const char* location) { raised().push_back({ code, location ? location : "" }); }
 
-    int32_t savedMode;
+    KErrorHandler::Mode savedMode;
 };
 
-// Matches the message of a fatal end in a death test.
-#define EXPECT_FATAL(statement, text) \
-    EXPECT_EXIT(statement, ::testing::ExitedWithCode(kTestFatalExitCode), text)
+// Matches the message and the exit status of a fatal end in a death test.
+#define EXPECT_FATAL(statement, text) EXPECT_EXIT(statement, ::testing::ExitedWithCode(EX_SOFTWARE), text)

@@ -29,7 +29,9 @@ protected:
         TapeHost::install(&media);
         // Four quadrants of 10 by 5: red, green above blue, yellow.
         writePicture(quadrants, KGraphicSize(20, 10),
-                     { { { 0, 0, 10, 5 }, kRed }, { { 10, 0, 10, 5 }, kGreen }, { { 0, 5, 10, 5 }, kBlue },
+                     { { { 0, 0, 10, 5 }, kRed },
+                       { { 10, 0, 10, 5 }, kGreen },
+                       { { 0, 5, 10, 5 }, kBlue },
                        { { 10, 5, 10, 5 }, kYellow } });
         // A red square on white, with a light grey band at the bottom.
         writePicture(onWhite, KGraphicSize(20, 20),

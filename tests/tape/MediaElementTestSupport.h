@@ -81,7 +81,7 @@ struct Patch {
     uint32_t colour;
 };
 
-inline bool writePicture(const std::filesystem::path& path, KGraphicSize size, const std::vector<Patch>& patches)
+inline bool writePicture(const std::filesystem::path& path, const KGraphicSize& size, const std::vector<Patch>& patches)
 {
     std::filesystem::create_directories(path.parent_path());
     KImagePtr image(new KImage(size));

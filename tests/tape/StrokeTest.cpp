@@ -17,8 +17,8 @@ class StrokeTest : public TapeTest { };
 
 TEST_F(StrokeTest, TypeTableAndTheBaseElementFields)
 {
-    const char* names[] = { "None", "Wait", "Stroke", "Text", "Speech", "Pause", "Sound", "Page Transition", "Relay Macro",
-                            "Movie", "Image", "Actor" };
+    const char* names[] = { "None",        "Wait",  "Stroke", "Text", "Speech", "Pause", "Sound", "Page Transition",
+                            "Relay Macro", "Movie", "Image",  "Actor" };
     for (int32_t i = 0; i < 12; ++i)
         EXPECT_EQ(TapeObject::getTypeName(i), names[i]);
     {

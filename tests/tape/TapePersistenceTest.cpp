@@ -16,8 +16,8 @@ constexpr uint32_t kBlue = 0x0000FF;
 
 int32_t longAt(const std::vector<uint8_t>& bytes, size_t offset)
 {
-    return int32_t(uint32_t(bytes[offset]) << 24 | uint32_t(bytes[offset + 1]) << 16 | uint32_t(bytes[offset + 2]) << 8 |
-                   uint32_t(bytes[offset + 3]));
+    return int32_t(uint32_t(bytes[offset]) << 24 | uint32_t(bytes[offset + 1]) << 16 | uint32_t(bytes[offset + 2]) << 8
+                   | uint32_t(bytes[offset + 3]));
 }
 
 // Where the class id stands twice in a row: an element's tag and the head

@@ -52,9 +52,15 @@ TEST_F(WipeOutTest, EachEffectHasItsStepCountAndEndsWhenTheStepPassesIt)
         int32_t stepCount;
     };
     const Expected expected[] = {
-        { WipeOut::ZoomIn, 120 }, { WipeOut::ZoomOut, 120 }, { WipeOut::WipeLeft, 120 }, { WipeOut::WipeRight, 120 },
-        { WipeOut::WipeUp, 120 }, { WipeOut::WipeDown, 120 }, { WipeOut::CheckerBoard, 99 },
-        { WipeOut::VenetianBlinds, kPageHeight / 4 }, { 42, 100 },
+        { WipeOut::ZoomIn, 120 },
+        { WipeOut::ZoomOut, 120 },
+        { WipeOut::WipeLeft, 120 },
+        { WipeOut::WipeRight, 120 },
+        { WipeOut::WipeUp, 120 },
+        { WipeOut::WipeDown, 120 },
+        { WipeOut::CheckerBoard, 99 },
+        { WipeOut::VenetianBlinds, kPageHeight / 4 },
+        { 42, 100 },
     };
     for (const Expected& e : expected) {
         SCOPED_TRACE(e.effect);

@@ -24,7 +24,7 @@ struct ToolRun {
     std::string err;
 };
 
-ToolRun tool(std::vector<std::string> arguments)
+ToolRun tool(const std::vector<std::string>& arguments)
 {
     std::ostringstream out;
     std::ostringstream err;
@@ -145,7 +145,9 @@ TEST_F(DumpCommand, ShowsTheRawFrames)
     std::getline(lines, line);
     EXPECT_EQ(line, "head: magic \"SLXT\", version 2");
     std::getline(lines, line);
-    EXPECT_EQ(line.rfind("frame at 8: KNamedBag (class id " + std::to_string(idOf("KNamedBag")) + "), version 1, body ", 0), 0u)
+    EXPECT_EQ(
+        line.rfind("frame at 8: KNamedBag (class id " + std::to_string(idOf("KNamedBag")) + "), version 1, body ", 0),
+        0u)
         << line;
     std::getline(lines, line);
     EXPECT_EQ(line.rfind("  section 1 at 24: ", 0), 0u) << line;
@@ -209,8 +211,14 @@ TEST_F(DumpCommand, UsageErrorsGiveTheUsageAndStatusTwo)
         EXPECT_EQ(run.out, "");
     }
     // Without a known command every command's usage is shown.
-    const std::string all = usage + "usage: taleloom-tool info PROJECT.TPD\n"
-                                    "usage: taleloom-tool render PROJECT.TPD [--position N] -o PAGE.png\n";
+    const std::string all
+        = usage
+          + "usage: taleloom-tool info PROJECT.TPD\n"
+            "usage: taleloom-tool render PROJECT.TPD [--position N] [--size N] -o PAGE.png\n"
+            "usage: taleloom-tool voices [--language L]\n"
+            "usage: taleloom-tool speak TEXT [--voice V] [--speed S] [--volume V] -o OUT.wav [--events]\n"
+            "usage: taleloom-tool play FILE [--volume V] [--balance B] [--to-file OUT.wav] [--json]\n"
+            "usage: taleloom-tool record --seconds N -o OUT.wav\n";
     for (const auto& arguments : std::vector<std::vector<std::string>> { {}, { "frobnicate" } }) {
         ToolRun run = tool(arguments);
         EXPECT_EQ(run.status, 2);

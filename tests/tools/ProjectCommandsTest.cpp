@@ -5,6 +5,7 @@
 #include "graphics/KImage.h"
 #include "kernel/KTextCodec.h"
 #include "project/StylusProject.h"
+#include "tools/taleloom-tool/RenderCommand.h"
 #include "tools/taleloom-tool/TaleloomTool.h"
 
 #include <gtest/gtest.h>
@@ -99,10 +100,10 @@ TEST_F(ProjectCommands, InfoListsTheElements)
         return text;
     };
     std::string expected = "{\n  \"width\": 160,\n  \"height\": 120,\n  \"position\": 5,\n  \"elementCount\": 5,\n"
-                           "  \"elements\": [" +
-                           describe(0, 2, "Stroke", true, "Opening") + "," + describe(1, 2, "Stroke", true, "") + "," +
-                           describe(2, 7, "WipeOut", true, "") + "," + describe(3, 2, "Stroke", true, "") + "," +
-                           describe(4, 2, "Stroke", false, "") + "\n  ]\n}\n";
+                           "  \"elements\": ["
+                           + describe(0, 2, "Stroke", true, "Opening") + "," + describe(1, 2, "Stroke", true, "") + ","
+                           + describe(2, 7, "WipeOut", true, "") + "," + describe(3, 2, "Stroke", true, "") + ","
+                           + describe(4, 2, "Stroke", false, "") + "\n  ]\n}\n";
     EXPECT_EQ(run.out, expected);
     // Looking does not change the project's folder.
     EXPECT_FALSE(std::filesystem::exists(folder.file("story/Media")));
@@ -136,7 +137,7 @@ TEST_F(ProjectCommands, InfoRefusesWhatItCannotRead)
     EXPECT_TRUE(isOneLine(missing.err)) << missing.err;
     EXPECT_NE(missing.err.find("cannot open"), std::string::npos) << missing.err;
 
-    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>> {
              { "info" }, { "info", document(), document() }, { "info", "--all", document() } }) {
         ToolRun run = tool(arguments);
         EXPECT_EQ(run.status, 2);
@@ -172,11 +173,54 @@ TEST_F(ProjectCommands, RenderDrawsThePageAtThePosition)
     EXPECT_FALSE(std::filesystem::exists(folder.file("story/Media")));
 }
 
+// What a file manager's thumbnailer asks for: the longer side at N, the
+// shape kept, larger or smaller than the page.
+TEST_F(ProjectCommands, RenderScalesToTheLongerSide)
+{
+    auto renderAt = [&](const std::string& project, int32_t size, const char* position) {
+        std::string picture = folder.file("thumb" + std::to_string(size) + ".png");
+        ToolRun run
+            = tool({ "render", project, "--position", position, "--size", std::to_string(size), "-o", picture });
+        EXPECT_EQ(run.status, 0) << run.err;
+        KImagePtr image(new KImage());
+        EXPECT_TRUE(image->createFromPath(KTextCodec::fromUtf8(picture)));
+        return image;
+    };
+    // The blue page stays blue to its edges at every scale.
+    for (int32_t size : { 64, 128, 320 }) {
+        SCOPED_TRACE(size);
+        KImagePtr thumb = renderAt(document(), size, "3");
+        EXPECT_EQ(thumb->getSize(), KGraphicSize(int16_t(size), int16_t(size * 3 / 4)));
+        std::vector<uint32_t> pixels = pixelsOf(thumb->getDevice());
+        EXPECT_EQ(std::count(pixels.begin(), pixels.end(), 0x0000FFu), int64_t(pixels.size()));
+    }
+    // At the page's own size the picture is the page itself.
+    EXPECT_EQ(pixelsOf(renderAt(document(), 160, "2")->getDevice()), pageAt(*story->getTape(), 2));
+
+    // A tall page keeps its height as the longer side.
+    std::filesystem::create_directory(folder.file("tall"));
+    StylusProjectPtr tall(new StylusProject());
+    tall->getTape()->setPageSize(KGraphicSize(90, 160));
+    ASSERT_TRUE(tall->save(KFileReference(folder.pathOf("tall/tall.TPD"))));
+    EXPECT_EQ(renderAt(folder.file("tall/tall.TPD"), 100, "0")->getSize(), KGraphicSize(56, 100));
+}
+
+TEST(RenderSize, LongerSideTakesTheSizeAndTheOtherFollows)
+{
+    EXPECT_EQ(scaledPageSize(KGraphicSize(800, 600), 128), KGraphicSize(128, 96));
+    EXPECT_EQ(scaledPageSize(KGraphicSize(600, 800), 256), KGraphicSize(192, 256));
+    EXPECT_EQ(scaledPageSize(KGraphicSize(640, 640), 48), KGraphicSize(48, 48));
+    // Rounded to the nearest pixel, never below one.
+    EXPECT_EQ(scaledPageSize(KGraphicSize(300, 200), 100), KGraphicSize(100, 67));
+    EXPECT_EQ(scaledPageSize(KGraphicSize(1000, 1), 10), KGraphicSize(10, 1));
+    EXPECT_EQ(scaledPageSize(KGraphicSize(2, 3000), 8192), KGraphicSize(5, 8192));
+}
+
 TEST_F(ProjectCommands, RenderExitCodes)
 {
-    const std::string usage = "usage: taleloom-tool render PROJECT.TPD [--position N] -o PAGE.png\n";
+    const std::string usage = "usage: taleloom-tool render PROJECT.TPD [--position N] [--size N] -o PAGE.png\n";
     std::string out = folder.file("out.png");
-    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+    for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>> {
              { "render" },
              { "render", document() },
              { "render", "-o", out },
@@ -186,7 +230,12 @@ TEST_F(ProjectCommands, RenderExitCodes)
              { "render", document(), "--position", "2x", "-o", out },
              { "render", document(), "--position", "99999999999", "-o", out },
              { "render", document(), "--position", "1", "--position", "2", "-o", out },
-             { "render", document(), document(), "-o", out } }) {
+             { "render", document(), document(), "-o", out },
+             { "render", document(), "--size", "0", "-o", out },
+             { "render", document(), "--size", "-8", "-o", out },
+             { "render", document(), "--size", "8193", "-o", out },
+             { "render", document(), "--size", "64", "--size", "64", "-o", out },
+             { "render", document(), "-o", out, "--size" } }) {
         ToolRun run = tool(arguments);
         EXPECT_EQ(run.status, 2) << ::testing::PrintToString(arguments);
         EXPECT_EQ(run.err, usage);

@@ -71,7 +71,8 @@ protected:
         std::string picture = folder.file("page.png");
         std::string reason;
         warnings.clear();
-        std::string document = folder.file(std::string(SampleStory::kProjectName) + "/" + SampleStory::kProjectName + ".TPD");
+        std::string document
+            = folder.file(std::string(SampleStory::kProjectName) + "/" + SampleStory::kProjectName + ".TPD");
         EXPECT_TRUE(renderProjectPage(document, position, picture, reason, warnings)) << reason;
         KImagePtr image(new KImage());
         EXPECT_TRUE(image->createFromPath(KTextCodec::fromUtf8(picture)));

@@ -7,9 +7,11 @@
 
 namespace {
 
+using Strings = std::vector<std::string>;
+
 struct Parsed {
-    std::vector<std::string> files;
-    std::vector<std::string> options;
+    Strings files;
+    Strings options;
 };
 
 Parsed parse(const char* line)
@@ -25,45 +27,36 @@ Parsed parse(const char* line)
     return parsed;
 }
 
-using Strings = std::vector<std::string>;
+struct LineCase {
+    const char* line;
+    Strings files;
+    Strings options;
+};
 
-TEST(CommandLineTest, OneKnownLetterAfterASwitchIsAnOptionAnythingElseAFile)
+class CommandLineParse : public testing::TestWithParam<LineCase> { };
+
+TEST_P(CommandLineParse, SplitsIntoFilesAndOptions)
 {
-    Parsed p = parse("-S /home/x/story.tpd");
-    EXPECT_EQ(p.options, Strings({ "S" }));
-    EXPECT_EQ(p.files, Strings({ "/home/x/story.tpd" }));
-
-    p = parse("/q -p -B /F -w");
-    EXPECT_EQ(p.options, Strings({ "q", "p", "B", "F", "w" }));
-    EXPECT_TRUE(p.files.empty());
-
-    // Unknown letters, longer switches and bare switch characters are files.
-    p = parse("-X /SQ -- / -s7 /tmp");
-    EXPECT_TRUE(p.options.empty());
-    EXPECT_EQ(p.files, Strings({ "-X", "/SQ", "--", "/", "-s7", "/tmp" }));
+    Parsed p = parse(GetParam().line);
+    EXPECT_EQ(p.files, GetParam().files);
+    EXPECT_EQ(p.options, GetParam().options);
 }
 
-TEST(CommandLineTest, QuotedTokensKeepTheirBlanks)
-{
-    Parsed p = parse("   \"/home/x/My Story.tpd\"   -Q  other.tpd ");
-    EXPECT_EQ(p.files, Strings({ "/home/x/My Story.tpd", "other.tpd" }));
-    EXPECT_EQ(p.options, Strings({ "Q" }));
-
-    // An unclosed quote runs to the end; an empty one adds nothing.
-    p = parse("\"\" \"open ended -S");
-    EXPECT_EQ(p.files, Strings({ "open ended -S" }));
-    EXPECT_TRUE(p.options.empty());
-
-    EXPECT_TRUE(parse("").files.empty());
-    EXPECT_TRUE(parse("   ").files.empty());
-}
+INSTANTIATE_TEST_SUITE_P(
+    Lines, CommandLineParse,
+    testing::Values(
+        LineCase { "-S /home/x/story.tpd", { "/home/x/story.tpd" }, { "S" } },
+        LineCase { "/q -p -B /F -w", {}, { "q", "p", "B", "F", "w" } },
+        // Unknown letters, longer switches and bare switch characters are files.
+        LineCase { "-X /SQ -- / -s7 /tmp", { "-X", "/SQ", "--", "/", "-s7", "/tmp" }, {} },
+        LineCase { "   \"/home/x/My Story.tpd\"   -Q  other.tpd ", { "/home/x/My Story.tpd", "other.tpd" }, { "Q" } },
+        // An unclosed quote runs to the end; an empty one adds nothing.
+        LineCase { "\"\" \"open ended -S", { "open ended -S" }, {} }, LineCase { "   ", {}, {} }));
 
 TEST(CommandLineTest, JoinedArgumentsParseBackToTheSameTokens)
 {
     const char* arguments[] = { "-F", "/media/My Stories/one.tpd", "plain.tpd", "" };
-    KString line = KCommandLine::join(4, arguments);
-    EXPECT_STREQ(line.c_str(), "-F \"/media/My Stories/one.tpd\" plain.tpd \"\"");
-    Parsed p = parse(line.c_str());
+    Parsed p = parse(KCommandLine::join(4, arguments).c_str());
     EXPECT_EQ(p.options, Strings({ "F" }));
     EXPECT_EQ(p.files, Strings({ "/media/My Stories/one.tpd", "plain.tpd" }));
 }

@@ -263,7 +263,7 @@ protected:
     }
 
     KPtr<RecordingWindow> openWindow(const std::string& name, const KGraphicRectangle& bounds,
-                                     int32_t mode = KWindow::Normal)
+                                     KWindow::OpenMode mode = KWindow::Normal)
     {
         KPtr<RecordingWindow> window(new RecordingWindow());
         window->name = name;

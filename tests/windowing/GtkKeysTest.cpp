@@ -27,7 +27,9 @@ TEST(GtkKeysTest, TypedCharactersAreWindowsSetBytes)
     EXPECT_EQ(kGtkCharacter(GDK_KEY_eacute, GDK_SHIFT_MASK), 0xE9);
     EXPECT_EQ(kGtkCharacter(GDK_KEY_EuroSign, 0), 0x80);
     EXPECT_EQ(kGtkCharacter(GDK_KEY_question, 0), '?');
-    EXPECT_EQ(kGtkCharacter(GDK_KEY_w, GDK_CONTROL_MASK), 0);
+    EXPECT_EQ(kGtkCharacter(GDK_KEY_w, GDK_CONTROL_MASK), 'w');
+    EXPECT_EQ(kGtkCharacter(GDK_KEY_W, GDK_CONTROL_MASK | GDK_SHIFT_MASK), 'W');
+    EXPECT_EQ(kGtkCharacter(GDK_KEY_w, GDK_MOD1_MASK), 0);
     EXPECT_EQ(kGtkCharacter(GDK_KEY_Return, 0), 0);
     EXPECT_EQ(kGtkCharacter(GDK_KEY_Greek_alpha, 0), 0);
     EXPECT_EQ(kToUtf8("caf\xE9"), "caf\xC3\xA9");
@@ -35,4 +37,3 @@ TEST(GtkKeysTest, TypedCharactersAreWindowsSetBytes)
 }
 
 } // namespace
-

@@ -39,12 +39,12 @@ TEST_F(InputTest, DoubleClicksNeedNearTimeAndPlaceAndAThirdClickIsSingle)
     constexpr int32_t Double = KMouseEvent::DoubleClick | KMouseEvent::SamePosition;
     constexpr int32_t Same = KMouseEvent::SamePosition;
     click(10, 10, 1000);
-    click(12, 13, 100);  // near in both: a double click
-    click(12, 13, 100);  // a third: single, though near
-    click(12, 13, 100);  // and the fourth is the next double
-    click(15, 13, 100);  // 3 pixels off is still near, but it follows a double
-    click(19, 13, 100);  // 4 pixels off is far
-    click(19, 13, 400);  // as long as the double click time is far
+    click(12, 13, 100); // near in both: a double click
+    click(12, 13, 100); // a third: single, though near
+    click(12, 13, 100); // and the fourth is the next double
+    click(15, 13, 100); // 3 pixels off is still near, but it follows a double
+    click(19, 13, 100); // 4 pixels off is far
+    click(19, 13, 400); // as long as the double click time is far
     click(19, 13, 399);
     EXPECT_EQ(clicks->flags, (std::vector<int32_t> { 0, Double, Same, Double, Same, 0, Same, Double }));
 }
@@ -172,8 +172,8 @@ TEST_F(InputTest, RunMakesTheManagersThatTheRoutesReach)
     };
     Watchdog watchdog(60000);
     app->run("RecordingWindow", 1, std::vector<const char*> { "taleloom" }.data());
-    EXPECT_EQ(seen(), (Seen { "layer down 5,6", "layer up 5,6", "window up 5,6", "layer enter", "window enter",
-                              "app enter" }));
+    EXPECT_EQ(seen(),
+              (Seen { "layer down 5,6", "layer up 5,6", "window up 5,6", "layer enter", "window enter", "app enter" }));
     EXPECT_EQ(KCursorManager::current(), nullptr);
     EXPECT_EQ(KKeyboardManager::current(), nullptr);
     EXPECT_EQ(KClipboardManager::current(), nullptr);

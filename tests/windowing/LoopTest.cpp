@@ -3,8 +3,8 @@
 #include "tests/support/TestSupport.h"
 #include "windowing/KApplicationEvent.h"
 #include "windowing/KEventTranslator.h"
-#include "windowing/KWindowEvent.h"
 #include "windowing/KWindow.h"
+#include "windowing/KWindowEvent.h"
 #include "windowing/KWindowManager.h"
 
 #include <cstdio>
@@ -287,10 +287,10 @@ TEST_F(LoopTest, RunStartsAndShutsDownInOrder)
     Watchdog watchdog(60000);
     runApp();
     std::vector<std::string> expected {
-        "create localizer", "create menus", "create cursor", "create dialogs", "import clipboard",
-        "doInit 1", "normal cursor", "doQuit 2", "doExit 3", "export clipboard", "release keyboard",
-        "close window", "free caches", "destroy dialogs", "destroy cursor", "destroy menus",
-        "destroy localizer",
+        "create localizer", "create menus",      "create cursor", "create dialogs",  "import clipboard",
+        "doInit 1",         "normal cursor",     "doQuit 2",      "doExit 3",        "export clipboard",
+        "release keyboard", "close window",      "free caches",   "destroy dialogs", "destroy cursor",
+        "destroy menus",    "destroy localizer",
     };
     EXPECT_EQ(journal(), expected);
     EXPECT_EQ(app->getState(), KApplication::Exited);
@@ -386,45 +386,11 @@ TEST_F(LoopTest, QuitRecordEndsTheLoopWithItsExitCode)
     EXPECT_FALSE(layer.wasStuck());
 }
 
-TEST_F(LoopTest, VersionNameAndReplacement)
-{
-    EXPECT_STREQ(app->getVersionText().c_str(), "1.0.0");
-    app->setVersion(2, 10, 3);
-    EXPECT_STREQ(app->getVersionText().c_str(), "2.10.3");
-    EXPECT_STREQ(app->getName().c_str(), "KApplication");
-    EXPECT_EQ(KApplication::current(), app.get());
-    EXPECT_EQ(app->getState(), KApplication::Constructed);
-    // A second application replaces the first as the current one.
-    {
-        KPtr<LoopApp> second(new LoopApp());
-        EXPECT_EQ(KApplication::current(), second.get());
-    }
-    EXPECT_EQ(KApplication::current(), nullptr);
-    // Without an application no native record makes an event.
-    EXPECT_EQ(kksCreateEvent(record(KNativeMessage::ActivateApp, nullptr, 1)), nullptr);
-}
-
 using LoopDeathTest = LoopTest;
 
 TEST_F(LoopDeathTest, FatalErrorGoesThroughTheApplicationsRescue)
 {
-    EXPECT_FATAL(KErrorHandler::raiseError(KError::NoObject, "void Test::rescue()"),
-                 "rescue offered: void Test::rescue\\(\\) / No Object!");
-}
-
-TEST_F(LoopDeathTest, APlatformThatCannotRunIsFatalOnEntry)
-{
-    layer.setCanRun(false);
-    EXPECT_FATAL(knsEnterKernel(), "rescue offered: void knsEnterKernel\\(\\) / Application Cannot Run");
-}
-
-TEST_F(LoopDeathTest, OpeningAWindowTwiceIsFatal)
-{
-    KWindowManager manager;
-    KPtr<LoopWindow> window(new LoopWindow());
-    window->open(KWindow::Hidden);
-    EXPECT_FATAL(window->open(KWindow::Hidden), "rescue offered: KWindow::open\\(\\) / Already Open.");
-    window->close();
+    EXPECT_FATAL(KErrorHandler::raiseError(KError::NoObject), "rescue offered: .+ / No Object!");
 }
 
 } // namespace

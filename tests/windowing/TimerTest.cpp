@@ -4,7 +4,7 @@ namespace {
 
 class TimerTest : public FakeLayerTest {
 protected:
-    KTimerPtr makeTimer(int32_t interval, bool repeat, int32_t mode = KTimer::Relative)
+    KTimerPtr makeTimer(int32_t interval, bool repeat, KTimer::Mode mode = KTimer::Relative)
     {
         KTimerPtr timer(new KTimer());
         timer->setInterval(interval);

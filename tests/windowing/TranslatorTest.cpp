@@ -32,6 +32,16 @@ public:
         seen.push_back({ "key", e.getKeyCode(), false, e.getModifiers(), e.getTime() });
         return 1;
     }
+    KEventReturn doKeyUp(KKeyEvent& e) override
+    {
+        seen.push_back({ "key up", e.getKeyCode(), false, e.getModifiers(), e.getTime() });
+        return 1;
+    }
+    KEventReturn doKeyRepeat(KKeyEvent& e) override
+    {
+        seen.push_back({ "key repeat", e.getKeyCode(), false, e.getModifiers(), e.getTime() });
+        return 1;
+    }
     KEventReturn doDataReceived(KApplicationEvent& e) override
     {
         auto* text = static_cast<KString*>(e.getParameter("Received Data"));
@@ -225,6 +235,61 @@ TEST_F(TranslatorTest, CharactersFromSpaceUpAreKeysTheRestNativeEvents)
     EXPECT_EQ(control->getNativeRecord()->param1, 13);
 }
 
+TEST_F(TranslatorTest, KeysAreLetGoAndRepeatedUnderThePressCode)
+{
+    // A table key and a printable key, each pressed, repeated and let go.
+    deliver(Message::KeyDown, KVirtualKey::Left);
+    deliver(Message::KeyDown, KVirtualKey::Left, KKeyRecord::Repeat);
+    deliver(Message::KeyUp, KVirtualKey::Left);
+    deliver(Message::KeyDown, 'A');
+    deliver(Message::Char, 'a');
+    deliver(Message::KeyDown, 'A', KKeyRecord::Repeat);
+    deliver(Message::Char, 'a', KKeyRecord::Repeat);
+    deliver(Message::KeyUp, 'A', 'a');
+    // A key that types nothing and is not in the table makes no release.
+    deliver(Message::KeyUp, KVirtualKey::Shift);
+    deliver(Message::KeyUp, KVirtualKey::Snapshot);
+    EXPECT_EQ(seenNames(), (std::vector<std::string> { "key", "key repeat", "key up", "key", "key repeat", "key up" }));
+    std::vector<int32_t> codes;
+    for (auto& s : app->seen)
+        codes.push_back(s.code);
+    EXPECT_EQ(codes, (std::vector<int32_t> { 273, 273, 273, 'a', 'a', 'a' }));
+
+    // Control with a printable key is that character with modifier 2;
+    // Ctrl+W stays key 87, down and up.
+    app->seen.clear();
+    layer.setModifiers(2);
+    deliver(Message::KeyDown, 'C');
+    deliver(Message::Char, 'c');
+    deliver(Message::KeyUp, 'C', 'c');
+    deliver(Message::KeyDown, 'W');
+    deliver(Message::KeyUp, 'W', 'w');
+    ASSERT_EQ(seenNames(), (std::vector<std::string> { "key", "key up", "key", "key up" }));
+    EXPECT_EQ(app->seen[0].code, 'c');
+    EXPECT_EQ(app->seen[0].modifiers, 2);
+    EXPECT_EQ(app->seen[1].code, 'c');
+    EXPECT_EQ(app->seen[2].code, 87);
+    EXPECT_EQ(app->seen[3].code, 87);
+}
+
+TEST_F(TranslatorTest, ALostCaptureIsTheMissingButtonUp)
+{
+    // Nothing is down: a lost capture means nothing.
+    deliver(Message::CaptureChanged, 0, kPackPoint(5, 5));
+    EXPECT_TRUE(app->seen.empty());
+
+    deliver(Message::LeftDown, MK::LeftButton, kPackPoint(10, 10));
+    deliver(Message::MouseMove, MK::LeftButton, kPackPoint(20, 30));
+    deliver(Message::CaptureChanged, 0, kPackPoint(25, 35));
+    ASSERT_EQ(seenNames(), (std::vector<std::string> { "down", "moved", "up" }));
+    EXPECT_EQ(app->seen[2].code, KMouseEvent::Left);
+    EXPECT_EQ(app->lastLocal.x, 25);
+    EXPECT_EQ(app->lastLocal.y, 35);
+    // The real release, should it come late, finds the button up already.
+    deliver(Message::LeftUp, 0, kPackPoint(25, 35));
+    EXPECT_EQ(app->seen.size(), 3u);
+}
+
 TEST_F(TranslatorTest, PostedBytesAssembleReceivedData)
 {
     for (char c : std::string("Hi there"))
@@ -287,15 +352,6 @@ TEST_F(TranslatorTest, TimerMessageOnlyWakesTheLoop)
     int before = layer.wakeUpCount();
     EXPECT_EQ(kksCreateEvent(record(Message::Timer, window.get())), nullptr);
     EXPECT_EQ(layer.wakeUpCount(), before + 1);
-}
-
-TEST_F(TranslatorTest, WrongEventClassForTheNativeRoute)
-{
-    ErrorRecorder errors;
-    KPtr<KKeyEvent> key(new KKeyEvent());
-    EXPECT_EQ(kksProcessNativeEvent(*key), 0);
-    EXPECT_EQ(errors.lastCode(), KError::WrongEventClass);
-    EXPECT_EQ(errors.lastLocation(), "KEventReturn kksProcessNativeEvent(KNativeEvent& Event)");
 }
 
 TEST_F(TranslatorTest, NativeModalDialogRefusesEverything)

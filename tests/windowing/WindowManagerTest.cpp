@@ -93,14 +93,13 @@ TEST_F(WindowManagerTest, PalettesFloatOverNormalWindowsAndActivationRestacks)
 
     ErrorRecorder errors;
     EXPECT_EQ(manager->getFrontWindow(KWindow::ModalTier), nullptr);
-    EXPECT_EQ(errors.lastLocation(), "KWindow& KWindowManager::getFrontWindow(long Layer) const");
     EXPECT_EQ(manager->getWindowBelow(*other), nullptr);
-    EXPECT_EQ(errors.lastLocation(), "KWindow& KWindowManager::getWindowBelow(KWindow& W) const");
+    EXPECT_EQ(errors.errors().size(), 2u);
     manager->closeAll();
     app->closeMainWindow();
     EXPECT_EQ(manager->getFrontWindow(), nullptr);
+    EXPECT_EQ(errors.errors().size(), 3u);
     EXPECT_EQ(errors.lastCode(), KError::NoWindow);
-    EXPECT_EQ(errors.lastLocation(), "KWindow& KWindowManager::getFrontWindow() const");
 }
 
 TEST_F(WindowManagerTest, TwoModalDialogsAndTheMenusComingBackWithTheLast)
@@ -294,15 +293,5 @@ TEST_F(WindowManagerTest, WindowsDrawIntoTheirBackBuffer)
 }
 
 using WindowManagerDeathTest = WindowManagerTest;
-
-TEST_F(WindowManagerDeathTest, OpeningADialogOrPaletteTwiceIsFatal)
-{
-    KDialogPtr dialog(new KDialog());
-    dialog->open(KWindow::Hidden);
-    EXPECT_FATAL(dialog->open(KWindow::Hidden), "rescue offered: KDialog::open\\(\\) / Already Open.");
-    KPaletteWindowPtr palette(new KPaletteWindow());
-    palette->open(KWindow::Hidden);
-    EXPECT_FATAL(palette->open(KWindow::Normal), "rescue offered: KPaletteWindow::open\\(\\) / Already Open.");
-}
 
 } // namespace

@@ -80,8 +80,8 @@ void addFirstPage(Tape& tape)
 {
     tape.addElement(*wipe(rgb(20, 30, 80), WipeOut::Fade));
     tape.addElement(*stroke({ { 540, 80 } }, 60, rgb(250, 240, 180)));
-    tape.addElement(*stroke({ { 0, 430 }, { 160, 420 }, { 320, 432 }, { 480, 418 }, { 639, 428 } }, 40,
-                            rgb(40, 150, 60)));
+    tape.addElement(
+        *stroke({ { 0, 430 }, { 160, 420 }, { 320, 432 }, { 480, 418 }, { 639, 428 } }, 40, rgb(40, 150, 60)));
     for (int16_t x : { 60, 200, 380, 600 })
         tape.addElement(*stroke({ { x, 40 } }, 4, rgb(255, 255, 255)));
 }

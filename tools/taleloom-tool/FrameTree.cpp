@@ -133,9 +133,9 @@ void FrameTreeWriter::scanPayload(int64_t start, int64_t end, int32_t depth)
 void FrameTreeWriter::writeFrameLine(const FrameHead& frame, int32_t depth)
 {
     line(depth, "frame at " + std::to_string(frame.offset) + ": " + className(frame.classID) + " (class id "
-             + std::to_string(frame.classID) + "), version " + std::to_string(frame.version) + ", body "
-             + std::to_string(frame.bodySize) + " bytes, " + std::to_string(frame.sectionCount)
-             + (frame.sectionCount == 1 ? " section" : " sections"));
+                    + std::to_string(frame.classID) + "), version " + std::to_string(frame.version) + ", body "
+                    + std::to_string(frame.bodySize) + " bytes, " + std::to_string(frame.sectionCount)
+                    + (frame.sectionCount == 1 ? " section" : " sections"));
 }
 
 void FrameTreeWriter::writeFrame(const FrameHead& frame, int32_t depth)
@@ -152,18 +152,18 @@ bool FrameTreeWriter::writeSections(const FrameHead& frame, int64_t limit, int32
     for (int32_t i = 0; i < frame.sectionCount; ++i) {
         if (position + kSectionHeadSize > bodyEnd) {
             reason = "section " + std::to_string(i + 1) + " of " + std::to_string(frame.sectionCount)
-                + " should begin at byte " + std::to_string(position) + ", beyond the frame's data";
+                     + " should begin at byte " + std::to_string(position) + ", beyond the frame's data";
             return false;
         }
         int32_t id = longAt(position);
         int32_t length = longAt(position + 4);
         line(depth, "section " + std::to_string(id) + " at " + std::to_string(position) + ": " + std::to_string(length)
-                 + " bytes");
+                        + " bytes");
         if (length < kSectionHeadSize || position + length > bodyEnd) {
             // What fits is still shown: it is where the damage begins.
             scanPayload(position + kSectionHeadSize, bodyEnd, depth + 1);
             reason = "the section at byte " + std::to_string(position) + " claims " + std::to_string(length)
-                + " bytes, but " + std::to_string(bodyEnd - position) + " are there";
+                     + " bytes, but " + std::to_string(bodyEnd - position) + " are there";
             return false;
         }
         scanPayload(position + kSectionHeadSize, position + length, depth + 1);
@@ -180,7 +180,7 @@ bool FrameTreeWriter::writeDocument(std::string& reason)
         return false;
     }
     line(0, "head: magic \"" + KTextCodec::toUtf8(KDocument::magicCharacters(longAt(0))) + "\", version "
-             + std::to_string(longAt(4)));
+                + std::to_string(longAt(4)));
     if (size < kHeadSize + kFrameHeadSize) {
         reason = "not a document: no frame after the head";
         return false;
@@ -198,7 +198,7 @@ bool FrameTreeWriter::writeDocument(std::string& reason)
     }
     if (!holdsTogether(top, size)) {
         reason = "damaged document: the outermost frame's sections do not add up to its body of "
-            + std::to_string(top.bodySize) + " bytes";
+                 + std::to_string(top.bodySize) + " bytes";
         return false;
     }
     int64_t end = kHeadSize + kFrameHeadSize + top.bodySize;

@@ -19,19 +19,19 @@ struct RenderRequest {
     std::string project;
     std::string output;
     int32_t position = -1;
+    int32_t size = 0;
 };
 
-// A count of elements: digits only, and small enough for a position.
-bool parsePosition(const std::string& text, int32_t& position)
+// Digits only, and no larger than `largest`.
+bool parseCount(const std::string& text, int64_t largest, int32_t& count)
 {
-    if (text.empty() || text.size() > 10 || !std::all_of(text.begin(), text.end(), [](unsigned char c) {
-            return std::isdigit(c);
-        }))
+    if (text.empty() || text.size() > 10
+        || !std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c); }))
         return false;
     long long value = std::stoll(text);
-    if (value > INT32_MAX)
+    if (value > largest)
         return false;
-    position = int32_t(value);
+    count = int32_t(value);
     return true;
 }
 
@@ -40,9 +40,8 @@ bool endsWithPng(const std::string& name)
     if (name.size() < 5)
         return false;
     std::string extension = name.substr(name.size() - 4);
-    std::transform(extension.begin(), extension.end(), extension.begin(), [](unsigned char c) {
-        return char(std::tolower(c));
-    });
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char c) { return char(std::tolower(c)); });
     return extension == ".png";
 }
 
@@ -54,7 +53,10 @@ bool parseRequest(const std::vector<std::string>& arguments, RenderRequest& requ
         bool hasValue = i + 1 < arguments.size();
         if (argument == "--position" && hasValue && !positionGiven) {
             positionGiven = true;
-            if (!parsePosition(arguments[++i], request.position))
+            if (!parseCount(arguments[++i], INT32_MAX, request.position))
+                return false;
+        } else if (argument == "--size" && hasValue && request.size == 0) {
+            if (!parseCount(arguments[++i], kLargestPictureSide, request.size) || request.size == 0)
                 return false;
         } else if (argument == "-o" && hasValue && request.output.empty()) {
             request.output = arguments[++i];
@@ -105,7 +107,7 @@ int runRender(const std::vector<std::string>& arguments, std::ostream&, std::ost
         return toolUsageError(renderCommand(), err);
     std::string reason;
     std::vector<std::string> warnings;
-    bool done = renderProjectPage(request.project, request.position, request.output, reason, warnings);
+    bool done = renderProjectPage(request.project, request.position, request.output, reason, warnings, request.size);
     for (const std::string& warning : warnings)
         err << "taleloom-tool: warning: " << warning << '\n';
     if (!done)
@@ -115,10 +117,23 @@ int runRender(const std::vector<std::string>& arguments, std::ostream&, std::ost
 
 } // namespace
 
-ToolCommand renderCommand() { return { "render", "PROJECT.TPD [--position N] -o PAGE.png", &runRender }; }
+ToolCommand renderCommand() { return { "render", "PROJECT.TPD [--position N] [--size N] -o PAGE.png", &runRender }; }
+
+KGraphicSize scaledPageSize(const KGraphicSize& page, int32_t longerSide)
+{
+    if (page.width <= 0 || page.height <= 0 || longerSide <= 0)
+        return page;
+    int64_t longer = std::max(page.width, page.height);
+    int64_t shorter = std::min(page.width, page.height);
+    // Rounded to the nearest pixel, and never thinner than one.
+    int64_t scaled = std::max<int64_t>(1, (shorter * longerSide + longer / 2) / longer);
+    if (page.width >= page.height)
+        return KGraphicSize(int16_t(longerSide), int16_t(scaled));
+    return KGraphicSize(int16_t(scaled), int16_t(longerSide));
+}
 
 bool renderProjectPage(const std::string& path, int32_t position, const std::string& pngPath, std::string& reason,
-                       std::vector<std::string>& warnings)
+                       std::vector<std::string>& warnings, int32_t longerSide)
 {
     StylusProjectPtr project(new StylusProject());
     if (!loadToolProject(path, *project, reason, warnings))
@@ -127,6 +142,15 @@ bool renderProjectPage(const std::string& path, int32_t position, const std::str
     if (!drawPage(*project, path, position, *picture, warnings)) {
         reason = path + ": the page could not be drawn";
         return false;
+    }
+    if (longerSide > 0) {
+        KImagePtr scaled(new KImage(scaledPageSize(picture->getSize(), longerSide)));
+        if (!scaled->hasImage()) {
+            reason = path + ": the page could not be drawn";
+            return false;
+        }
+        picture->drawIn(scaled->getDevice(), scaled->getBounds());
+        picture = scaled;
     }
     if (!picture->writeToPath(KTextCodec::fromUtf8(pngPath))) {
         reason = pngPath + ": cannot write the picture";

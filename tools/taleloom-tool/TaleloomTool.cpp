@@ -6,6 +6,7 @@
 #include "tools/taleloom-tool/DumpCommand.h"
 #include "tools/taleloom-tool/InfoCommand.h"
 #include "tools/taleloom-tool/RenderCommand.h"
+#include "tools/taleloom-tool/SoundCommands.h"
 #include "tools/taleloom-tool/ToolCommand.h"
 
 #include <iterator>
@@ -15,14 +16,8 @@ namespace {
 
 // The commands, in the order the usage lists them.
 const ToolCommand kCommands[] = {
-    dumpCommand(),
-    infoCommand(),
-    renderCommand(),
+    dumpCommand(), infoCommand(), renderCommand(), voicesCommand(), speakCommand(), playCommand(), recordCommand(),
 };
-
-// A fatal error inside the tool is a fault of the tool, and must not look
-// like success to a script.
-constexpr int kFatalExitStatus = 3;
 
 int generalUsage(std::ostream& err)
 {
@@ -59,7 +54,6 @@ int runTaleloomTool(const std::vector<std::string>& arguments, std::ostream& out
 void prepareTaleloomTool()
 {
     KErrorHandler::loadKernelErrors();
-    KErrorHandler::setFatalExitCode(kFatalExitStatus);
     kRegisterKernelClasses();
     registerDocumentClasses();
 }

@@ -32,7 +32,8 @@ bool loadToolProject(const std::string& path, StylusProject& project, std::strin
     bool loaded = project.loadFrom(file);
     file.close();
     if (!loaded) {
-        reason = path + ": " + (messages.getLines().empty() ? std::string("cannot read the document") : messages.getLines().back());
+        reason = path + ": "
+                 + (messages.getLines().empty() ? std::string("cannot read the document") : messages.getLines().back());
         return false;
     }
     for (const std::string& message : messages.getLines())

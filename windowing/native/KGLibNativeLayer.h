@@ -37,6 +37,8 @@ public:
     int32_t nextSlotMessageSize() override;
     int32_t readSlotMessage(char* buffer, int32_t size) override;
     bool sendSlotMessages(const char* name, const std::vector<std::string>& messages) override;
+    void watchTermination(SignalHandler handler) override;
+    void watchStateRequest(SignalHandler handler) override;
 
 private:
     KGLibMessageSlot messageSlot;

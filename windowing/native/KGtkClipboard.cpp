@@ -61,7 +61,8 @@ void imageOf(GdkPixbuf* pixbuf, KNativeImageData& image)
             const guchar* p = row + x * channels;
             uint32_t a = alpha ? p[3] : 255;
             auto over = [a](uint32_t c) { return (c * a + 255 * (255 - a) + 127) / 255; };
-            image.pixels[size_t(y) * size_t(image.width) + size_t(x)] = (over(p[0]) << 16) | (over(p[1]) << 8) | over(p[2]);
+            image.pixels[size_t(y) * size_t(image.width) + size_t(x)]
+                = (over(p[0]) << 16) | (over(p[1]) << 8) | over(p[2]);
         }
     }
 }

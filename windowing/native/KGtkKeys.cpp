@@ -71,7 +71,7 @@ int32_t kGtkVirtualKey(uint32_t keyval)
 
 int32_t kGtkCharacter(uint32_t keyval, uint32_t modifierState)
 {
-    if (modifierState & (GDK_CONTROL_MASK | GDK_MOD1_MASK))
+    if (modifierState & GDK_MOD1_MASK)
         return 0;
     gunichar unicode = gdk_keyval_to_unicode(keyval);
     if (unicode < 32 || unicode == 127)

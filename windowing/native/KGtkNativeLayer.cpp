@@ -101,22 +101,101 @@ gboolean onFocusIn(GtkWidget*, GdkEventFocus*, gpointer data)
 gboolean onFocusOut(GtkWidget*, GdkEventFocus*, gpointer data)
 {
     auto* handle = static_cast<KGtkWindowHandle*>(data);
+    // Keys let go elsewhere are never reported here.
+    handle->heldKeys.clear();
     deliver(handle, KNativeMessage::Activate, 0);
     g_idle_add(&settleApplicationActivation, handle);
     return FALSE;
 }
+
+bool isReturn(guint keyval)
+{
+    return keyval == GDK_KEY_Return || keyval == GDK_KEY_KP_Enter || keyval == GDK_KEY_ISO_Enter;
+}
+
+// A control that takes keys itself (a text field, a list, a slider) gets
+// them first while it has GTK's focus. Tab and Escape always belong to the
+// framework, and so does Return unless the control is a multi-line text:
+// they move the focus and answer the dialog's buttons.
+bool offerToFocusControl(KGtkWindowHandle* handle, GdkEventKey* event)
+{
+    GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(handle->window));
+    if (!focus || focus == handle->area || !gtk_widget_is_ancestor(focus, handle->fixed))
+        return false;
+    guint keyval = event->keyval;
+    if (keyval == GDK_KEY_Tab || keyval == GDK_KEY_ISO_Left_Tab || keyval == GDK_KEY_KP_Tab || keyval == GDK_KEY_Escape)
+        return false;
+    if (isReturn(keyval) && !GTK_IS_TEXT_VIEW(focus)) {
+        kGtkCommitTypedValue(*handle);
+        return false;
+    }
+    return gtk_window_propagate_key_event(GTK_WINDOW(handle->window), event);
+}
+
+// Accelerators come first; a key they take makes no key event. A press of
+// a key already held is the keyboard's auto-repeat: with detectable
+// auto-repeat X sends no release in between.
+// Shift and Control as the key event carries them, for the time of its
+// delivery.
+class EventModifiers {
+public:
+    EventModifiers(KGtkNativeLayer* layer, guint state)
+        : layer(layer)
+    {
+        layer->setEventModifiers(((state & GDK_SHIFT_MASK) ? 1 : 0) | ((state & GDK_CONTROL_MASK) ? 2 : 0));
+    }
+    ~EventModifiers() { layer->setEventModifiers(-1); }
+    EventModifiers(const EventModifiers&) = delete;
+    EventModifiers& operator=(const EventModifiers&) = delete;
+
+private:
+    KGtkNativeLayer* layer;
+};
 
 gboolean onKeyPress(GtkWidget* widget, GdkEventKey* event, gpointer data)
 {
     auto* handle = static_cast<KGtkWindowHandle*>(data);
     if (gtk_window_activate_key(GTK_WINDOW(widget), event))
         return TRUE;
-    int32_t virtualKey = kGtkVirtualKey(event->keyval);
-    if (virtualKey != 0)
-        deliver(handle, KNativeMessage::KeyDown, virtualKey);
-    int32_t character = kGtkCharacter(event->keyval, event->state);
-    if (character >= 32)
-        deliver(handle, KNativeMessage::Char, character);
+    auto held = handle->heldKeys.find(event->hardware_keycode);
+    bool repeat = held != handle->heldKeys.end();
+    if (offerToFocusControl(handle, event)) {
+        if (!repeat)
+            handle->heldKeys[event->hardware_keycode] = KGtkHeldKey();
+        return TRUE;
+    }
+    KGtkHeldKey key;
+    key.virtualKey = kGtkVirtualKey(event->keyval);
+    key.character = kGtkCharacter(event->keyval, event->state);
+    // Ctrl+W is a key of its own, made from the key-down.
+    if (key.virtualKey == 'W' && (event->state & GDK_CONTROL_MASK))
+        key.character = 0;
+    key.delivered = true;
+    int32_t flags = repeat ? KKeyRecord::Repeat : 0;
+    EventModifiers modifiers(handle->layer, event->state);
+    if (key.virtualKey != 0)
+        deliver(handle, KNativeMessage::KeyDown, key.virtualKey, flags);
+    if (key.character >= 32)
+        deliver(handle, KNativeMessage::Char, key.character, flags);
+    handle->heldKeys[event->hardware_keycode] = key;
+    return TRUE;
+}
+
+gboolean onKeyRelease(GtkWidget*, GdkEventKey* event, gpointer data)
+{
+    auto* handle = static_cast<KGtkWindowHandle*>(data);
+    auto held = handle->heldKeys.find(event->hardware_keycode);
+    if (held == handle->heldKeys.end())
+        return TRUE;
+    KGtkHeldKey key = held->second;
+    handle->heldKeys.erase(held);
+    if (!key.delivered) {
+        gtk_window_propagate_key_event(GTK_WINDOW(handle->window), event);
+        return TRUE;
+    }
+    EventModifiers modifiers(handle->layer, event->state);
+    if (key.virtualKey != 0 || key.character >= 32)
+        deliver(handle, KNativeMessage::KeyUp, key.virtualKey, key.character);
     return TRUE;
 }
 
@@ -139,7 +218,8 @@ KEventReturn deliverMouse(KGtkWindowHandle* handle, int32_t message, int32_t key
 {
     if (!handle->owner)
         return 0;
-    KNativeRecord record = recordFor(handle, message, keys, kPackPoint(static_cast<int32_t>(x), static_cast<int32_t>(y)));
+    KNativeRecord record
+        = recordFor(handle, message, keys, kPackPoint(static_cast<int32_t>(x), static_cast<int32_t>(y)));
     record.x = static_cast<int32_t>(rootX);
     record.y = static_cast<int32_t>(rootY);
     handle->layer->notePointer(record.x, record.y);
@@ -149,10 +229,12 @@ KEventReturn deliverMouse(KGtkWindowHandle* handle, int32_t message, int32_t key
 // GTK reports the button state before the change; the records carry it
 // after, as the translator expects. GTK's own double and triple clicks are
 // dropped: the framework tells double clicks itself.
-gboolean onButtonPress(GtkWidget*, GdkEventButton* event, gpointer data)
+gboolean onButtonPress(GtkWidget* widget, GdkEventButton* event, gpointer data)
 {
     if (event->type != GDK_BUTTON_PRESS)
         return TRUE;
+    // A press on the page takes the keys back from a control.
+    gtk_widget_grab_focus(widget);
     int32_t keys = mouseKeys(event->state);
     int32_t message = 0;
     if (event->button == 1) {
@@ -190,6 +272,35 @@ gboolean onMotion(GtkWidget*, GdkEventMotion* event, gpointer data)
     deliverMouse(static_cast<KGtkWindowHandle*>(data), KNativeMessage::MouseMove, mouseKeys(event->state), event->x,
                  event->y, event->x_root, event->y_root);
     return TRUE;
+}
+
+// Another grab took the mouse while a button was down (the implicit grab
+// of the press is broken): the release will not come, and the translator
+// makes it up at the pointer's place.
+gboolean onGrabBroken(GtkWidget* widget, GdkEvent*, gpointer data)
+{
+    auto* handle = static_cast<KGtkWindowHandle*>(data);
+    GdkWindow* window = gtk_widget_get_window(widget);
+    GdkSeat* seat = gdk_display_get_default_seat(gtk_widget_get_display(widget));
+    GdkDevice* pointer = seat ? gdk_seat_get_pointer(seat) : nullptr;
+    double x = 0;
+    double y = 0;
+    gint rootX = 0;
+    gint rootY = 0;
+    if (window && pointer) {
+        gdk_window_get_device_position_double(window, pointer, &x, &y, nullptr);
+        gdk_device_get_position(pointer, nullptr, &rootX, &rootY);
+    }
+    deliverMouse(handle, KNativeMessage::CaptureChanged, 0, x, y, rootX, rootY);
+    return FALSE;
+}
+
+// Every motion counts: a fast stroke must keep all of its points, so GDK
+// may not fold queued moves into the last one.
+void onRealize(GtkWidget* widget, gpointer)
+{
+    if (GdkWindow* window = gtk_widget_get_window(widget))
+        gdk_window_set_event_compression(window, FALSE);
 }
 
 // The window paints into its back buffer, which is then shown.
@@ -240,10 +351,14 @@ void connectWindowProcedure(KGtkWindowHandle* handle)
     g_signal_connect(handle->window, "focus-in-event", G_CALLBACK(onFocusIn), handle);
     g_signal_connect(handle->window, "focus-out-event", G_CALLBACK(onFocusOut), handle);
     g_signal_connect(handle->window, "key-press-event", G_CALLBACK(onKeyPress), handle);
+    g_signal_connect(handle->window, "key-release-event", G_CALLBACK(onKeyRelease), handle);
+    g_signal_connect(handle->window, "realize", G_CALLBACK(onRealize), handle);
+    g_signal_connect(handle->area, "realize", G_CALLBACK(onRealize), handle);
     gtk_widget_add_events(handle->area, GDK_BUTTON_PRESS_MASK | GDK_BUTTON_RELEASE_MASK | GDK_POINTER_MOTION_MASK);
     g_signal_connect(handle->area, "button-press-event", G_CALLBACK(onButtonPress), handle);
     g_signal_connect(handle->area, "button-release-event", G_CALLBACK(onButtonRelease), handle);
     g_signal_connect(handle->area, "motion-notify-event", G_CALLBACK(onMotion), handle);
+    g_signal_connect(handle->area, "grab-broken-event", G_CALLBACK(onGrabBroken), handle);
     g_signal_connect(handle->area, "draw", G_CALLBACK(onDraw), handle);
     g_signal_connect(handle->area, "size-allocate", G_CALLBACK(onAllocate), handle);
     gtk_drag_dest_set(handle->area, GTK_DEST_DEFAULT_ALL, nullptr, 0, GDK_ACTION_COPY);
@@ -325,12 +440,15 @@ int32_t KGtkNativeLayer::modifierState() const
     if (!display)
         return 0;
     GdkKeymap* keymap = gdk_keymap_get_for_display(gdk_display_get_default());
-    guint state = gdk_keymap_get_modifier_state(keymap);
-    int32_t flags = 0;
-    if (state & GDK_SHIFT_MASK)
-        flags |= 1;
-    if (state & GDK_CONTROL_MASK)
-        flags |= 2;
+    int32_t flags = eventModifiers;
+    if (flags < 0) {
+        guint state = gdk_keymap_get_modifier_state(keymap);
+        flags = 0;
+        if (state & GDK_SHIFT_MASK)
+            flags |= 1;
+        if (state & GDK_CONTROL_MASK)
+            flags |= 2;
+    }
     if (gdk_keymap_get_caps_lock_state(keymap))
         flags |= 4;
     if (gdk_keymap_get_num_lock_state(keymap))
@@ -599,7 +717,7 @@ void KGtkNativeLayer::applyCursor(KGtkWindowHandle& handle) const
         g_object_unref(cursor);
 }
 
-void KGtkNativeLayer::setCursorShape(int32_t shape)
+void KGtkNativeLayer::setCursorShape(KCursorShape shape)
 {
     cursorShape = shape;
     if (!display)

@@ -37,6 +37,9 @@ public:
     void invalidateWindow(void* handle, const KNativeRect& area) override;
     void setWindowTooltip(void* handle, const char* text) override;
     void screenSize(int32_t& width, int32_t& height) const override;
+    void setWindowFullScreen(void* handle, bool fullScreen) override;
+    KNativeRect workArea() const override;
+    void addRecentFile(const char* path) override;
 
     void* createControl(void* window, const KNativeControlSetup& setup) override;
     void destroyControl(void* control) override;
@@ -44,10 +47,18 @@ public:
     void setControlText(void* control, const char* text) override;
     void setControlEnabled(void* control, bool enabled) override;
     void setControlVisible(void* control, bool visible) override;
+    void setControlValue(void* control, double value) override;
+    void setControlItems(void* control, const std::vector<std::string>& items) override;
+    void setControlRange(void* control, const KNativeControlRange& range) override;
+    void setControlTextLimit(void* control, int32_t limit) override;
+    void setControlColour(void* control, const KNativeColour& colour) override;
+    void setControlPicture(void* control, const KNativeImageData& picture) override;
+    bool controlValue(void* control, double& value) override;
+    bool controlText(void* control, std::string& text) override;
 
     int32_t doubleClickTime() const override;
     int32_t doubleClickDistance() const override;
-    void setCursorShape(int32_t shape) override;
+    void setCursorShape(KCursorShape shape) override;
     void setCursorVisible(bool visible) override;
 
     bool setClipboard(const KNativeClipboardContent& content) override;
@@ -68,9 +79,14 @@ public:
     GtkWidget* gtkWindowOf(void* handle) const;
     // The drawing area that shows the window's back buffer.
     GtkWidget* gtkAreaOf(void* handle) const;
-    // The widget of a control handle.
+    // The widget of a control handle, as placed in its window (a text or a
+    // list sits in a scrolled window).
     GtkWidget* gtkControlOf(void* control) const;
 
+    // The Shift and Control state of the key event being delivered, which
+    // the translator's modifiers follow until it is cleared (-1): the
+    // keyboard's state now may already hold keys pressed after it.
+    void setEventModifiers(int32_t flags) { eventModifiers = flags; }
     // Remembers the pointer's position from a motion event.
     void notePointer(int32_t x, int32_t y);
     // Keeps the files of a drop; the number names them in the record.
@@ -88,7 +104,8 @@ private:
     int32_t pointerY = 0;
     bool pointerKnown = false;
     uint32_t pointerTime = 0;
-    int32_t cursorShape = 0;
+    int32_t eventModifiers = -1;
+    KCursorShape cursorShape = KCursorShape::Normal;
     bool cursorVisible = true;
     std::vector<KGtkWindowHandle*> handles;
     std::vector<std::vector<std::string>> drops;

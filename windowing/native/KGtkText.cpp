@@ -7,7 +7,8 @@ std::string kToUtf8(const char* windowsText)
     if (!windowsText || !*windowsText)
         return {};
     gsize written = 0;
-    gchar* converted = g_convert_with_fallback(windowsText, -1, "UTF-8", "WINDOWS-1252", "?", nullptr, &written, nullptr);
+    gchar* converted
+        = g_convert_with_fallback(windowsText, -1, "UTF-8", "WINDOWS-1252", "?", nullptr, &written, nullptr);
     if (!converted)
         return windowsText;
     std::string result(converted, written);

@@ -6,11 +6,21 @@
 #include <gtk/gtk.h>
 
 #include <cstdint>
+#include <map>
 
 class KGtkNativeLayer;
 
 // What a window handle of the GTK layer is: the widgets of one KWindow and
 // what its signal handlers remember between calls.
+// A key held down, by its hardware code: what its press delivered, so that
+// its release is told under the same code.
+struct KGtkHeldKey {
+    int32_t virtualKey = 0;
+    int32_t character = 0;
+    // False when a control of the window took the press itself.
+    bool delivered = false;
+};
+
 struct KGtkWindowHandle {
     KGtkNativeLayer* layer = nullptr;
     KWindow* owner = nullptr;
@@ -24,12 +34,29 @@ struct KGtkWindowHandle {
     int32_t lastY = INT32_MIN;
     int32_t lastWidth = -1;
     int32_t lastHeight = -1;
+    std::map<guint16, KGtkHeldKey> heldKeys;
 };
 
-// A control handle: the widget (cleared by GTK when the widget goes) and
-// the window it sits in.
+// A control handle: the widget placed in the window (cleared by GTK when
+// the widget goes), the inner widget that holds the value when it is not
+// that one (a text view or tree view in its scrolled window, the drawing
+// area of a swatch or picture), and the window it sits in.
 struct KGtkControlHandle {
     KGtkWindowHandle* window = nullptr;
     GtkWidget* widget = nullptr;
+    GtkWidget* inner = nullptr;
+    KNativeControlKind kind = KNativeControlKind::Button;
     int32_t tag = 0;
+    // Set while the program changes the widget: GTK's change signals then
+    // tell the framework nothing.
+    bool updating = false;
+    int32_t textLimit = 0;
+    KNativeColour colour;
+    cairo_surface_t* picture = nullptr;
 };
+
+// A number typed into a spin field counts only once GTK reads it (on
+// leaving the field). A press on a button or a Return that the framework
+// takes comes first: the typed number is read before, so that it is part
+// of what the dialog sees.
+void kGtkCommitTypedValue(KGtkWindowHandle& window);

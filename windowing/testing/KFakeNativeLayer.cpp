@@ -3,6 +3,7 @@
 #include "windowing/KEventTranslator.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 
@@ -21,6 +22,10 @@ void KFakeNativeLayer::shutDown() { initialized = false; }
 void KFakeNativeLayer::processNativeMessage(bool block, bool& keepRunning, int32_t waitMs)
 {
     recordedTurns.push_back({ block, waitMs });
+    if (turnHook) {
+        std::function<void()> hook = turnHook;
+        hook();
+    }
     if (deliverDue(keepRunning))
         return;
     if (quitPending) {
@@ -239,6 +244,12 @@ void* KFakeNativeLayer::createControl(void* window, const KNativeControlSetup& s
     control->setup = setup;
     control->text = setup.text;
     control->bounds = setup.bounds;
+    control->value = setup.value;
+    control->items = setup.items;
+    control->range = setup.range;
+    control->textLimit = setup.textLimit;
+    control->colour = setup.colour;
+    control->picture = setup.picture;
     madeControls.push_back(std::move(control));
     return madeControls.back().get();
 }
@@ -292,19 +303,151 @@ void KFakeNativeLayer::setControlVisible(void* handle, bool visible)
         control->visible = visible;
 }
 
+void KFakeNativeLayer::setControlValue(void* handle, double value)
+{
+    if (Control* control = liveControl(handle))
+        control->value = value;
+}
+
+void KFakeNativeLayer::setControlItems(void* handle, const std::vector<std::string>& items)
+{
+    if (Control* control = liveControl(handle))
+        control->items = items;
+}
+
+void KFakeNativeLayer::setControlRange(void* handle, const KNativeControlRange& range)
+{
+    if (Control* control = liveControl(handle))
+        control->range = range;
+}
+
+void KFakeNativeLayer::setControlTextLimit(void* handle, int32_t limit)
+{
+    if (Control* control = liveControl(handle))
+        control->textLimit = limit;
+}
+
+void KFakeNativeLayer::setControlColour(void* handle, const KNativeColour& colour)
+{
+    if (Control* control = liveControl(handle))
+        control->colour = colour;
+}
+
+void KFakeNativeLayer::setControlPicture(void* handle, const KNativeImageData& picture)
+{
+    if (Control* control = liveControl(handle))
+        control->picture = picture;
+}
+
+bool KFakeNativeLayer::controlValue(void* handle, double& value)
+{
+    Control* control = liveControl(handle);
+    if (!control)
+        return false;
+    value = control->value;
+    return true;
+}
+
+bool KFakeNativeLayer::controlText(void* handle, std::string& text)
+{
+    Control* control = liveControl(handle);
+    if (!control)
+        return false;
+    text = control->text;
+    return true;
+}
+
+KFakeNativeLayer::Control* KFakeNativeLayer::liveControl(void* handle)
+{
+    auto* control = const_cast<Control*>(controlOf(handle));
+    return control && control->alive ? control : nullptr;
+}
+
+// A user reaches only a control that is alive, enabled and shown in an
+// open window.
+KFakeNativeLayer::Control* KFakeNativeLayer::usableControl(void* handle)
+{
+    Control* control = liveControl(handle);
+    const Window* window = control ? windowOf(control->window) : nullptr;
+    if (!control || !control->enabled || !control->visible || !window || !window->owner || !window->open)
+        return nullptr;
+    return control;
+}
+
+void KFakeNativeLayer::notifyControl(const Control& control, int32_t code)
+{
+    KNativeRecord record;
+    record.window = windowOf(control.window)->owner;
+    record.message = KNativeMessage::Command;
+    record.param1 = code;
+    record.param2 = control.setup.tag;
+    record.time = clock;
+    kksDeliverNativeRecord(record);
+}
+
 void KFakeNativeLayer::clickControl(void* handle)
 {
     const Control* control = controlOf(handle);
     const Window* window = control ? windowOf(control->window) : nullptr;
     if (!control || !control->alive || !control->enabled || !window || !window->owner)
         return;
-    KNativeRecord record;
-    record.window = window->owner;
-    record.message = KNativeMessage::Command;
-    record.param1 = KControlNotification::Clicked;
-    record.param2 = control->setup.tag;
-    record.time = clock;
-    kksDeliverNativeRecord(record);
+    notifyControl(*control, KControlNotification::Clicked);
+}
+
+bool KFakeNativeLayer::changeControlValue(void* handle, double value)
+{
+    Control* control = usableControl(handle);
+    if (!control)
+        return false;
+    const KNativeControlRange& range = control->range;
+    switch (control->setup.kind) {
+    case KNativeControlKind::CheckBox:
+        control->value = value != 0 ? 1 : 0;
+        break;
+    case KNativeControlKind::RadioGroup:
+    case KNativeControlKind::PopUpList:
+    case KNativeControlKind::List:
+        if (value < 0 || value >= double(control->items.size()) || value != std::floor(value))
+            return false;
+        control->value = value;
+        break;
+    case KNativeControlKind::SpinField:
+    case KNativeControlKind::Slider:
+    case KNativeControlKind::ScrollBar: {
+        double scale = std::pow(10.0, range.decimals);
+        control->value = std::clamp(std::round(value * scale) / scale, range.minimum, range.maximum);
+        break;
+    }
+    default:
+        return false;
+    }
+    notifyControl(*control, KControlNotification::Changed);
+    return true;
+}
+
+bool KFakeNativeLayer::typeControlText(void* handle, const std::string& text)
+{
+    Control* control = usableControl(handle);
+    if (!control
+        || (control->setup.kind != KNativeControlKind::Entry
+            && control->setup.kind != KNativeControlKind::MultiLineText))
+        return false;
+    control->text = text;
+    if (control->textLimit > 0 && control->text.size() > size_t(control->textLimit))
+        control->text.resize(size_t(control->textLimit));
+    notifyControl(*control, KControlNotification::Changed);
+    return true;
+}
+
+bool KFakeNativeLayer::activateControlItem(void* handle, int32_t index)
+{
+    Control* control = usableControl(handle);
+    if (!control || control->setup.kind != KNativeControlKind::List || index < 0
+        || index >= int32_t(control->items.size()))
+        return false;
+    control->value = index;
+    notifyControl(*control, KControlNotification::Activated);
+    return true;
 }
 
 // --- Clipboard -------------------------------------------------------------------
@@ -426,6 +569,8 @@ int32_t KFakeNativeLayer::readSlotMessage(char* buffer, int32_t size)
         return -1;
     std::string message = slots[slotName].front();
     slots[slotName].pop_front();
+    // Messages are counted bytes; the reader sized and zeroed its buffer.
+    // NOLINTNEXTLINE(bugprone-not-null-terminated-result)
     std::memcpy(buffer, message.data(), std::min(message.size(), size_t(size)));
     return static_cast<int32_t>(message.size());
 }

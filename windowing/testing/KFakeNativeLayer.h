@@ -4,6 +4,7 @@
 #include "windowing/KNativeRecord.h"
 
 #include <deque>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -35,6 +36,7 @@ public:
         int32_t invalidations = 0;
         KNativeRect lastInvalidated;
     };
+    // A control's model: what its widget would show.
     struct Control {
         void* window = nullptr;
         KNativeControlSetup setup;
@@ -43,6 +45,12 @@ public:
         bool enabled = true;
         bool visible = true;
         bool alive = true;
+        double value = 0;
+        std::vector<std::string> items;
+        KNativeControlRange range;
+        int32_t textLimit = 0;
+        KNativeColour colour;
+        KNativeImageData picture;
     };
     // What a chooser answers: a path, or a cancel.
     struct ChooserAnswer {
@@ -81,9 +89,17 @@ public:
     void setControlText(void* control, const char* text) override;
     void setControlEnabled(void* control, bool enabled) override;
     void setControlVisible(void* control, bool visible) override;
+    void setControlValue(void* control, double value) override;
+    void setControlItems(void* control, const std::vector<std::string>& items) override;
+    void setControlRange(void* control, const KNativeControlRange& range) override;
+    void setControlTextLimit(void* control, int32_t limit) override;
+    void setControlColour(void* control, const KNativeColour& colour) override;
+    void setControlPicture(void* control, const KNativeImageData& picture) override;
+    bool controlValue(void* control, double& value) override;
+    bool controlText(void* control, std::string& text) override;
     int32_t doubleClickTime() const override { return doubleClickMs; }
     int32_t doubleClickDistance() const override { return doubleClickPixels; }
-    void setCursorShape(int32_t shape) override { cursorShapeValue = shape; }
+    void setCursorShape(KCursorShape shape) override { cursorShapeValue = shape; }
     void setCursorVisible(bool visible) override { cursorVisibleValue = visible; }
     bool setClipboard(const KNativeClipboardContent& content) override;
     bool clipboardHasFormat(const char* format) override;
@@ -139,10 +155,25 @@ public:
     // What the native side does on a click of a control: a Command record
     // with the control's tag, delivered at once.
     void clickControl(void* control);
+    // Runs at the start of every turn of the loop, as a user would act
+    // between two native messages; modal dialogs are answered this way.
+    void setTurnHook(std::function<void()> hook) { turnHook = std::move(hook); }
+    // What the native side does when the user sets a control's value: the
+    // widget keeps it within what it offers (a check box 0 or 1, an item
+    // of its list, a number within its range with its decimals), then
+    // sends a Changed record. False when the user could not have done it
+    // (the control is disabled, hidden or gone, the item does not exist).
+    bool changeControlValue(void* control, double value);
+    // The user types a control's whole text; the widget cuts it to its
+    // limit, then sends a Changed record.
+    bool typeControlText(void* control, const std::string& text);
+    // A double click on an item of a list: the item is chosen, and an
+    // Activated record follows.
+    bool activateControlItem(void* control, int32_t index);
 
     void setScreenSize(int32_t width, int32_t height);
     void setDoubleClick(int32_t milliseconds, int32_t pixels);
-    int32_t cursorShape() const { return cursorShapeValue; }
+    KCursorShape cursorShape() const { return cursorShapeValue; }
     bool cursorVisible() const { return cursorVisibleValue; }
 
     // Answers of the next choosers, in order; a chooser without a scripted
@@ -178,6 +209,9 @@ private:
     bool earliestTimed(uint32_t& time) const;
     void deliver(KNativeRecord record, bool& keepRunning);
     void waitUntilNextEvent(int32_t waitMs, bool& keepRunning);
+    Control* liveControl(void* handle);
+    Control* usableControl(void* handle);
+    void notifyControl(const Control& control, int32_t code);
 
     uint32_t clock = 1000;
     uint32_t pollStep = 1;
@@ -196,6 +230,7 @@ private:
     bool stuck = false;
     StuckProc stuckProc = nullptr;
     std::vector<Entry> scripted;
+    std::function<void()> turnHook;
     std::vector<Turn> recordedTurns;
     std::vector<std::unique_ptr<Window>> openedWindows;
     std::vector<std::vector<std::string>> drops;
@@ -206,7 +241,7 @@ private:
     int32_t screenHeight = 1024;
     int32_t doubleClickMs = 500;
     int32_t doubleClickPixels = 4;
-    int32_t cursorShapeValue = 0;
+    KCursorShape cursorShapeValue = KCursorShape::Normal;
     bool cursorVisibleValue = true;
     KNativeClipboardContent clipboardContent;
     int32_t clipboardStores = 0;

@@ -1,5 +1,5 @@
-#include "app/StylusApplication.h"
 #include "app/StylusWindow.h"
+#include "app/StylusApplication.h"
 #include "graphics/KAlphaImage.h"
 #include "graphics/KColor.h"
 #include "kernel/KErrorHandler.h"
@@ -27,7 +27,7 @@ public:
     {
         KWindow* window = KApplication::current() ? KApplication::current()->getMainWindow() : nullptr;
         bool whole = window && area.x == 0 && area.y == 0 && area.width == window->getClientBounds().width
-            && area.height == window->getClientBounds().height;
+                     && area.height == window->getClientBounds().height;
         if (recording && !whole)
             areas.push_back(area);
         KGtkNativeLayer::invalidateWindow(handle, area);
@@ -41,7 +41,8 @@ RecordingLayer& gtkLayer() { return static_cast<RecordingLayer&>(KNativeLayer::g
 std::string colourAt(KGraphicDevice& device, int x, int y)
 {
     KColor c = device.getPixel(int16_t(x), int16_t(y));
-    return std::to_string(c.getRed() >> 8) + "," + std::to_string(c.getGreen() >> 8) + "," + std::to_string(c.getBlue() >> 8);
+    return std::to_string(c.getRed() >> 8) + "," + std::to_string(c.getGreen() >> 8) + ","
+           + std::to_string(c.getBlue() >> 8);
 }
 
 const std::string kBlackText = "0,0,0";
@@ -52,6 +53,8 @@ const std::string kRedText = "255,0,0";
 // close button.
 class ScriptedApp : public StylusApplication {
 public:
+    // The start-up question would wait for a person.
+    void scheduleStartupDialog() override { }
     void doInit() override
     {
         StylusApplication::doInit();
@@ -106,7 +109,7 @@ public:
     }
 
     KGraphicRectangle page;
-    int32_t mode = -1;
+    KSpriteSystem::UpdateMode mode = KSpriteSystem::Full;
     std::string pageCentre, pageCorner, spriteShown, oldPlace, newPlace;
     bool nativeVisible = false;
     KSpritePtr sprite;
@@ -153,7 +156,9 @@ TEST(StylusWindowTest, ShowsThePageAndTheScenesFramesAndItsCloseEndsTheLoop)
         for (const KNativeRect& area : layer.areas) {
             EXPECT_LT(area.width * area.height, StylusWindow::kDefaultWidth * StylusWindow::kDefaultHeight / 8)
                 << area.x << "," << area.y << " " << area.width << "x" << area.height;
-            newPlaceShown = newPlaceShown || (area.x <= 300 && area.y <= 200 && area.x + area.width >= 320 && area.y + area.height >= 220);
+            newPlaceShown
+                = newPlaceShown
+                  || (area.x <= 300 && area.y <= 200 && area.x + area.width >= 320 && area.y + area.height >= 220);
         }
         EXPECT_TRUE(newPlaceShown);
         EXPECT_TRUE(app->nativeVisible);

@@ -4,10 +4,10 @@
 #include "kernel/KFileReference.h"
 #include "kernel/KFileTypeHandler.h"
 #include "kernel/KPath.h"
+#include "windowing/KAlert.h"
 #include "windowing/KApplication.h"
 #include "windowing/KButtonNativeControl.h"
 #include "windowing/KClipboardManager.h"
-#include "windowing/KAlert.h"
 #include "windowing/KDialog.h"
 #include "windowing/KDialogHandler.h"
 #include "windowing/KLayer.h"
@@ -305,7 +305,7 @@ struct Answer {
 bool isShownDialog(gpointer window, GtkDialog* wanted)
 {
     return GTK_IS_DIALOG(window) && gtk_widget_get_visible(GTK_WIDGET(window))
-        && (!wanted || GTK_DIALOG(window) == wanted);
+           && (!wanted || GTK_DIALOG(window) == wanted);
 }
 
 gboolean answer(gpointer data)

@@ -1,0 +1,174 @@
+// Play and stop, the steps along the tape, and inserting elements.
+
+#include "app/StylusActions.h"
+#include "app/StylusApplication.h"
+#include "app/StylusWindow.h"
+#include "app/ToolPalette.h"
+#include "kmultimedia/StylusSpriteSystem.h"
+#include "project/StylusProject.h"
+#include "tape/Tape.h"
+#include "tape/TapeHost.h"
+#include "windowing/KApplication.h"
+#include "windowing/KNativeLayer.h"
+
+#include <algorithm>
+
+namespace {
+
+StylusApplication* application() { return dynamic_cast<StylusApplication*>(KApplication::current()); }
+
+} // namespace
+
+void StylusActions::play(bool fromPosition, bool fullScreen, bool quitAfter)
+{
+    quitAfterPlay = quitAfter;
+    StylusWindow* shown = window();
+    Tape* played = tape();
+    if (!shown || !played || played->getCount() == 0)
+        return;
+    WindowMode mode = shown->getWindowMode();
+    if (mode == WindowMode::Paused) {
+        // Play while paused goes on where it stopped.
+        played->resumePlaying();
+        shown->setWindowMode(WindowMode::Playing);
+        return;
+    }
+    if (mode != WindowMode::TapeEditing)
+        return;
+    stopEditing();
+    shown->hideBrush();
+    StylusApplication* app = application();
+    playEnteredFullScreen = false;
+    if (fullScreen && app && !app->isFullScreen()) {
+        app->setFullScreen(true);
+        playEnteredFullScreen = true;
+    }
+    ToolPalette* palette = ToolPalette::current();
+    bool hideTools = fullScreen || played->getFlags().test(Tape::HideTools);
+    if (palette && hideTools)
+        palette->show(false);
+    int32_t start = fromPosition ? std::max(0, played->getPosition() - 1) : 0;
+    played->startPlaying(start);
+    shown->enterPlayMode();
+}
+
+void StylusActions::stopPlay()
+{
+    StylusWindow* shown = window();
+    Tape* played = tape();
+    if (played)
+        played->stopPlaying();
+    if (shown) {
+        shown->stopBlink();
+        shown->stopPlayMode();
+        shown->redrawPage(true);
+    }
+    if (ToolPalette* palette = ToolPalette::current()) {
+        palette->show(true);
+        palette->updateState(int32_t(WindowMode::TapeEditing));
+    }
+    StylusApplication* app = application();
+    if (app && playEnteredFullScreen)
+        app->setFullScreen(false);
+    playEnteredFullScreen = false;
+    if (shown)
+        shown->updateBrushPosition();
+    if (quitAfterPlay) {
+        quitAfterPlay = false;
+        if (KApplication* running = KApplication::current())
+            running->requestQuit();
+    }
+}
+
+// --- Steps ------------------------------------------------------------------------------
+
+void StylusActions::goBack()
+{
+    if (!tape() || !tapeIsIdle())
+        return;
+    stopEditing();
+    tape()->stepBack();
+}
+
+void StylusActions::goForward()
+{
+    if (!tape() || !tapeIsIdle())
+        return;
+    stopEditing();
+    tape()->stepForward();
+}
+
+void StylusActions::goToBeginning()
+{
+    if (!tape() || !tapeIsIdle())
+        return;
+    stopEditing();
+    tape()->goToStart();
+}
+
+void StylusActions::goToEnd()
+{
+    if (!tape() || !tapeIsIdle())
+        return;
+    stopEditing();
+    tape()->goToEnd();
+}
+
+void StylusActions::deleteLast()
+{
+    if (!tape() || !tapeIsIdle())
+        return;
+    finishPastePlacement(false);
+    stopEditing();
+    tape()->removeCurrentElement();
+    if (StylusWindow* shown = window())
+        shown->redrawPage(true);
+    tellChanged();
+}
+
+// The palette goes to the band above or below the page, whichever it is
+// not in now.
+void StylusActions::moveToolPalette()
+{
+    ToolPalette* palette = ToolPalette::current();
+    StylusWindow* shown = window();
+    if (!palette || !shown)
+        return;
+    int32_t screenWidth = 0;
+    int32_t screenHeight = 0;
+    KNativeLayer::get().screenSize(screenWidth, screenHeight);
+    KGraphicRectangle frame = palette->getClientBounds();
+    KGraphicRectangle page = shown->getPageRectangle();
+    page.x = int16_t(page.x + shown->getClientBounds().x);
+    page.y = int16_t(page.y + shown->getClientBounds().y);
+    int32_t y = 0;
+    if (frame.y - 32 <= screenHeight / 2) {
+        y = std::max<int32_t>(32, (int32_t(page.y) - frame.height) / 2);
+    } else {
+        int32_t pageBottom = int32_t(page.y) + page.height;
+        y = pageBottom + (screenHeight - pageBottom - frame.height) / 2;
+        if (y + frame.height > screenHeight)
+            y = screenHeight - frame.height;
+    }
+    int32_t x = int32_t(page.x) + (page.width - frame.width) / 2;
+    palette->setClientBounds(
+        KGraphicRectangle(int16_t(std::max(0, x)), int16_t(std::max(0, y)), frame.width, frame.height));
+}
+
+void StylusActions::insertElement(int32_t kind)
+{
+    if (!tape() || !tapeIsIdle() || kind < 1 || kind > 10 || kind == 2 || kind == 8)
+        return;
+    stopEditing();
+    if (!hookTable.insertWithDialog) {
+        TapeHost::get().beep();
+        return;
+    }
+    hookTable.insertWithDialog(*tape(), kind);
+}
+
+void StylusActions::elementAdded() { tellChanged(); }
+
+void StylusActions::finishPastePlacement(bool) { }
+
+void StylusActions::toggleMenuStrip() { menuStripShown = !menuStripShown; }
