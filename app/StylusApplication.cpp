@@ -101,7 +101,7 @@ void StylusApplication::registerClasses()
     StylusApplication::registerClass();
     StylusWindow::registerClass();
     ToolPalette::registerClass();
-    StylusActions::registerClass();
+    StylusActions::registerClass()->setTransient();
     StartupDialog::registerClass();
     NewProjectDialog::registerClass();
 }

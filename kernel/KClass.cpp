@@ -165,6 +165,14 @@ void KClass::unregisterAll()
     gTail = nullptr;
 }
 
+bool KClass::isStreamable() const
+{
+    for (const KClass* record = this; record; record = record->superClass)
+        if (record->transient)
+            return false;
+    return true;
+}
+
 KThing* KClass::createObject() const
 {
     if (!createProc) {

@@ -29,6 +29,13 @@ public:
     KThing* createObject() const;
     void generateClassID();
 
+    // Windows, managers, events and other objects of the running program
+    // must never be made from file bytes: their constructors reach the
+    // desktop or replace singletons. A class marked transient, and every
+    // class below it, is refused by the stream readers before it is created.
+    void setTransient() { transient = true; }
+    bool isStreamable() const;
+
     bool isEqual(const KClass* other) const;
     bool isSubClass(const KClass* other) const;
     bool isSuperClass(const KClass* other) const;
@@ -54,4 +61,5 @@ private:
     KCreateProc createProc = nullptr;
     int32_t version = 1;
     int32_t classID = 0;
+    bool transient = false;
 };

@@ -262,7 +262,7 @@ KClassReader::ObjectResult KClassReader::readObject(KFile& file, KThingPtr& out,
     KClass* cls = nullptr;
     if (!KClass::hasClass(id, &cls) || !isCreatable(cls))
         return skipUnknownObject(file, where);
-    bool fits = !expected || cls->isEqualOrSubClass(expected);
+    bool fits = (!expected || cls->isEqualOrSubClass(expected)) && cls->isStreamable();
     if (!fits || KClassStreamState::objectDepth() >= KClassStreamState::kMaxObjectDepth) {
         file.setError(KError::CouldNotReadFile);
         return ReadFailed;

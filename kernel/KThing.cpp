@@ -1,7 +1,9 @@
 #include "kernel/KThing.h"
 
 #include "kernel/KClass.h"
+#include "kernel/KClassStreamState.h"
 #include "kernel/KErrorHandler.h"
+#include "kernel/KFile.h"
 #include "kernel/KMemory.h"
 
 namespace {
@@ -99,7 +101,17 @@ bool KThing::isRootClassRegistered() const { return classRecord != nullptr; }
 
 KClass* KThing::getClass() const { return KClass::checkedRecord(classRecord); }
 
-void KThing::readFromFile(KFile&) { KErrorHandler::raiseError(KError::ReadNotImplemented); }
+void KThing::readFromFile(KFile& file)
+{
+    // Reached from a class stream, a class without a stream form means the
+    // bytes named something no document holds: the file is damaged, and the
+    // load refuses it instead of ending the program.
+    if (KClassStreamState::objectDepth() > 0) {
+        file.setError(KError::CouldNotReadFile);
+        return;
+    }
+    KErrorHandler::raiseError(KError::ReadNotImplemented);
+}
 
 void KThing::writeToFile(KFile&, int32_t) { KErrorHandler::raiseError(KError::WriteNotImplemented); }
 

@@ -56,4 +56,6 @@ void kRegisterMultimediaClasses()
     KSoundRecorder::registerClass();
     KSpeech::registerClass();
     KSpeechSupport::registerClass();
+    KMediaManager::classRecord->setTransient();
+    KMediaSupport::classRecord->setTransient();
 }

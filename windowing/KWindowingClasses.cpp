@@ -103,4 +103,9 @@ void kRegisterWindowingClasses()
     KActionEvent::registerClass();
     KControlActionEvent::registerClass();
     registerRoot("KErrorHandler");
+    for (KClass* live :
+         { KWindow::classRecord, KWindowManager::classRecord, KInteractiveElement::classRecord,
+           KCursorManager::classRecord, KKeyboardManager::classRecord, KClipboardManager::classRecord,
+           KDialogHandler::classRecord, KApplication::classRecord, KTimerManager::classRecord, KEvent::classRecord })
+        live->setTransient();
 }

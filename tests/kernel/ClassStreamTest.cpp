@@ -57,6 +57,18 @@ public:
 bool StreamProbe::writeFuture = false;
 K_DEFINE_CLASS(StreamProbe, KThing)
 
+// A class of the running program: it has no stream form, and counts how
+// often it was made.
+class LiveProbe : public KThing {
+    K_DECLARE_CLASS(LiveProbe)
+public:
+    static int32_t made;
+    LiveProbe() { ++made; }
+};
+
+int32_t LiveProbe::made = 0;
+K_DEFINE_CLASS(LiveProbe, KThing)
+
 class FutureSection {
 public:
     FutureSection() { StreamProbe::writeFuture = true; }
@@ -69,6 +81,8 @@ protected:
     {
         if (!StreamProbe::classRecord)
             StreamProbe::registerClass();
+        if (!LiveProbe::classRecord)
+            LiveProbe::registerClass();
         KClassStreamState::reset();
     }
     void TearDown() override { KClassStreamState::reset(); }
@@ -446,4 +460,34 @@ TEST_F(ClassStream, NestingAndClassesAreCheckedOnReading)
     });
     EXPECT_EQ(KClassReader::readObject(in, read), KClassReader::DroppedObject);
     EXPECT_EQ(in.getError(), 0);
+}
+
+TEST_F(ClassStream, ClassesWithoutAStreamFormAreRefusedNotFatal)
+{
+    auto frameOf = [](KClass* cls) {
+        return [cls](KFile& file) {
+            file.writeLong(cls->getClassID());
+            KClassWriter writer;
+            writer.begin(file, cls);
+            writer.newSection(1);
+            file.writeLong(7);
+            writer.end();
+        };
+    };
+    KThingPtr read;
+
+    // A class that never learnt to read itself makes the file damaged.
+    LiveProbe::made = 0;
+    writeThenOpen(frameOf(LiveProbe::classRecord));
+    KClassReader::readObject(in, read);
+    EXPECT_EQ(in.getError(), KError::CouldNotReadFile);
+    EXPECT_EQ(LiveProbe::made, 1);
+
+    // A transient class is refused before its constructor runs.
+    LiveProbe::classRecord->setTransient();
+    LiveProbe::made = 0;
+    openForReading();
+    EXPECT_EQ(KClassReader::readObject(in, read), KClassReader::ReadFailed);
+    EXPECT_EQ(LiveProbe::made, 0);
+    EXPECT_EQ(read.get(), nullptr);
 }
