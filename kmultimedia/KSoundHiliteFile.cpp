@@ -14,7 +14,7 @@ bool KSoundHiliteFile::read(KFile& file, int32_t& duration, KSoundHiliteMedia& m
     // over in silence and leave an empty media that looks sound.
     int32_t start = file.getPosition();
     int32_t tag = file.readLong();
-    if (file.getError() || tag != KSoundHiliteMedia::classRecord->getClassID()) {
+    if (file.getError() || tag != KClass::computeClassID("KSoundHiliteMedia")) {
         if (!file.getError())
             file.setError(KError::CouldNotReadFile);
         media.clearMarkers();

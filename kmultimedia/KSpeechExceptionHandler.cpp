@@ -78,7 +78,7 @@ KSpeechExceptionHandler::ReadResult KSpeechExceptionHandler::readStream(KFile& i
     int32_t count = in.readLong();
     if (in.getError() || count < 0)
         return ReadResult::Damaged;
-    const int32_t recordClass = KSpeechException::classRecord->getClassID();
+    const int32_t recordClass = KClass::computeClassID("KSpeechException");
     for (int32_t i = 0; i < count; ++i) {
         // Each record is a whole class stream: its class id comes first, so
         // a record of anything else is damage, found before reading it.
