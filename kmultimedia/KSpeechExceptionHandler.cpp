@@ -248,6 +248,8 @@ bool KSpeechExceptionHandler::remove(const KString& written)
     return true;
 }
 
+void KSpeechExceptionHandler::setEntries(std::vector<KSpeechExceptionPtr> entries) { fill(entries); }
+
 void KSpeechExceptionHandler::removeAll()
 {
     exceptions.clearRoot();

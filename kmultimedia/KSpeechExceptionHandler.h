@@ -62,6 +62,9 @@ public:
     // Removes the entry written exactly so; false when there is none.
     bool remove(const KString& written);
     void removeAll();
+    // Replaces all entries, as reading a file does: a later entry of the
+    // same written form wins, one with an empty written form is left out.
+    void setEntries(std::vector<KSpeechExceptionPtr> entries);
     int32_t getCount() const { return exceptions.getCount(); }
     // The entries in the order of their written forms.
     std::vector<KSpeechException*> getEntries() const;
