@@ -131,8 +131,9 @@ void KSoundHiliteMedia::repairMarkers()
         marker->setWordLength(std::min(marker->getWordLength(), length - marker->getWordStart()));
         kept.push_back(marker);
     }
-    if (markers.getIsDirect())
-        markers = KBag();
+    // A fresh bag: the stream's growth and capacity figures are not to be
+    // trusted with the next insertion.
+    markers = KBag();
     refill(markers, kept);
     sortMarkers();
 }

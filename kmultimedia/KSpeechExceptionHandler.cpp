@@ -269,6 +269,8 @@ bool KSpeechExceptionHandler::copyAsideDamaged()
 
 bool KSpeechExceptionHandler::save()
 {
+    if (file.getPath().isEmpty())
+        return false;
     std::error_code failure;
     fs::create_directories(hostPath(file).parent_path(), failure);
     if (damagedOnDisk && !copyAsideDamaged())

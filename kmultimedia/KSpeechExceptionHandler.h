@@ -50,7 +50,8 @@ public:
     ReadResult getReadResult() const { return readResult; }
     // Writes the entries to the file, making its folder when needed. False
     // when the file could not be written (or a damaged one not copied aside
-    // first); the old file then stays.
+    // first); the old file then stays. A handler made without a file keeps
+    // its entries in memory only.
     bool save();
 
     // The entry for a word: the exact written form, else the first one that
