@@ -163,6 +163,7 @@ bool KAbstractMedia::removeTarget(KThing& target)
 
 KEventReturn KAbstractMedia::sendFeedback(KMediaFeedbackEvent* event)
 {
+    event->setSource(this);
     for (KThing* target : targets)
         event->addTarget(*target);
     return processNow(event);

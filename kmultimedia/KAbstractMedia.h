@@ -87,8 +87,9 @@ public:
     bool addTarget(KThing& target);
     bool removeTarget(KThing& target);
     int32_t targetCount() const { return int32_t(targets.size()); }
-    // Gives a heap event the medium's receivers and delivers it now; a
-    // fresh event dies here.
+    void clearTargets() { targets.clear(); }
+    // Gives a heap event the medium's receivers and itself as the source,
+    // and delivers it now; a fresh event dies here.
     KEventReturn sendFeedback(KMediaFeedbackEvent* event);
 
 protected:

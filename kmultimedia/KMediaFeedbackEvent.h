@@ -25,6 +25,11 @@ public:
     // Null when the event carries no such value.
     KVariable* getValue(const char* name) const;
 
+    // The medium that sent the event; not held, and only meaningful while
+    // the event is delivered.
+    void setSource(KThing* medium) { source = medium; }
+    KThing* getSource() const { return source; }
+
     // Each target once, in the order added; the event holds them.
     bool addTarget(KThing& target);
     int32_t targetCount() const { return int32_t(targets.size()); }
@@ -35,4 +40,5 @@ public:
 
 private:
     std::vector<KThingPtr> targets;
+    KThing* source = nullptr;
 };

@@ -11,15 +11,20 @@
 #include "kmultimedia/KAnimationSystem.h"
 #include "kmultimedia/KAnimationVector.h"
 #include "kmultimedia/KBresenham.h"
+#include "kmultimedia/KExtendedSpeech.h"
 #include "kmultimedia/KMediaFeedbackEvent.h"
 #include "kmultimedia/KMediaManager.h"
 #include "kmultimedia/KMediaSupport.h"
 #include "kmultimedia/KMovie.h"
 #include "kmultimedia/KMovieSupport.h"
 #include "kmultimedia/KSound.h"
+#include "kmultimedia/KSoundHiliteMarker.h"
+#include "kmultimedia/KSoundHiliteMedia.h"
 #include "kmultimedia/KSoundRecorder.h"
 #include "kmultimedia/KSoundSupport.h"
 #include "kmultimedia/KSpeech.h"
+#include "kmultimedia/KSpeechException.h"
+#include "kmultimedia/KSpeechExceptionHandler.h"
 #include "kmultimedia/KSpeechSupport.h"
 #include "kmultimedia/KSprite.h"
 #include "kmultimedia/KSpriteLayer.h"
@@ -56,6 +61,12 @@ void kRegisterMultimediaClasses()
     KSoundRecorder::registerClass();
     KSpeech::registerClass();
     KSpeechSupport::registerClass();
+    KExtendedSpeech::registerClass();
+    KSpeechException::registerClass();
+    KSpeechExceptionHandler::registerClass();
+    KSoundHiliteMarker::registerClass();
+    KSoundHiliteMedia::registerClass();
     KMediaManager::classRecord->setTransient();
     KMediaSupport::classRecord->setTransient();
+    KSpeechExceptionHandler::classRecord->setTransient();
 }

@@ -226,6 +226,8 @@ double KSound::getDuration() { return native() ? native()->duration() : 0.0; }
 
 double KSound::getElapsed() const { return native() ? native()->position() : 0.0; }
 
+bool KSound::getPosition(double& seconds) const { return native() && native()->queryPosition(seconds); }
+
 void KSound::setVolume(double value)
 {
     value = std::clamp(value, 0.0, 1.0);

@@ -44,6 +44,9 @@ public:
 
     // Seconds played, 0 when not loaded.
     double getElapsed() const;
+    // The position of what is being heard, in seconds; false when the sound
+    // is not loaded or its player cannot tell yet.
+    bool getPosition(double& seconds) const;
     // With a path, the next load sends the sound into a WAV file there, as
     // fast as it decodes, instead of to the speakers.
     void setRenderFile(const std::string& path) { renderPath = path; }

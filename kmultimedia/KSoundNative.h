@@ -27,6 +27,9 @@ public:
     // Seconds; 0 when unknown.
     virtual double duration() const = 0;
     virtual double position() const = 0;
+    // The position of what is being heard, in seconds; false while the
+    // player cannot tell (not yet playing, or between seeks).
+    virtual bool queryPosition(double& seconds) const = 0;
     // Linear: 0 is silence, 1 the file's own level.
     virtual void setVolume(double volume) = 0;
     // -1 only the left channel, 1 only the right.

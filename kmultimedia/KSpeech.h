@@ -56,6 +56,14 @@ public:
     // as fast as it is made, instead of to the speakers.
     void setRenderFile(const std::string& path) { renderPath = path; }
 
+protected:
+    // For speeches that learn their words from elsewhere.
+    void setWord(int32_t start, int32_t length)
+    {
+        wordStart = start;
+        wordLength = length;
+    }
+
 private:
     KSpeechNative* native() const { return static_cast<KSpeechNative*>(getNativeData()); }
     void disposeNative();

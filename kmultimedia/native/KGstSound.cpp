@@ -31,6 +31,7 @@ public:
     void seek(double seconds) override;
     double duration() const override;
     double position() const override;
+    bool queryPosition(double& seconds) const override;
     void setVolume(double volume) override;
     void setBalance(double balance) override;
     void update() override
@@ -241,6 +242,15 @@ double KGstSound::position() const
     if (!pipeline || !gst_element_query_position(pipeline, GST_FORMAT_TIME, &at) || at < 0)
         return 0.0;
     return double(at) / double(GST_SECOND);
+}
+
+bool KGstSound::queryPosition(double& seconds) const
+{
+    gint64 at = 0;
+    if (!pipeline || !gst_element_query_position(pipeline, GST_FORMAT_TIME, &at) || at < 0)
+        return false;
+    seconds = double(at) / double(GST_SECOND);
+    return true;
 }
 
 void KGstSound::seek(double seconds)

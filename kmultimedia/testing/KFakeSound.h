@@ -16,6 +16,9 @@ public:
     struct Script {
         double duration = 2.0;
         double position = 0.0;
+        // Whether the player can tell its position; a real one may not, for
+        // a while after it starts.
+        bool positionKnown = true;
         double volume = 1.0;
         double balance = 0.0;
         bool playing = false;
@@ -36,6 +39,13 @@ public:
     void seek(double seconds) override;
     double duration() const override { return script->duration; }
     double position() const override { return script->position; }
+    bool queryPosition(double& seconds) const override
+    {
+        if (!script->positionKnown)
+            return false;
+        seconds = script->position;
+        return true;
+    }
     void setVolume(double volume) override { script->volume = volume; }
     void setBalance(double balance) override { script->balance = balance; }
     void update() override;

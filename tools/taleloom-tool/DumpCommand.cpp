@@ -10,6 +10,7 @@
 #include "kernel/KTextCodec.h"
 #include "kernel/KUnknownObject.h"
 #include "tools/taleloom-tool/FrameTree.h"
+#include "tools/taleloom-tool/MediaFileDump.h"
 
 #include <ostream>
 
@@ -99,7 +100,17 @@ int runDump(const std::vector<std::string>& arguments, std::ostream& out, std::o
         if (!done && !reason.empty() && reason.find(path) != 0)
             reason = path + ": " + reason;
     } else {
-        done = dumpDocumentJson(path, text, reason);
+        switch (detectMediaFile(path)) {
+        case MediaFileKind::SpeechExceptions:
+            done = dumpSpeechExceptionsJson(path, text, reason);
+            break;
+        case MediaFileKind::SoundHilite:
+            done = dumpSoundHiliteJson(path, text, reason);
+            break;
+        case MediaFileKind::None:
+            done = dumpDocumentJson(path, text, reason);
+            break;
+        }
     }
     // What could be read is shown even when the file turns out damaged.
     out << text;

@@ -6,9 +6,11 @@
 
 // taleloom-tool dump [--sections] FILE
 //
-// Without --sections: reads FILE as a document whatever its magic and writes
-// its head and named entries as JSON. Objects of classes this program does
-// not know show as {"class": null, "classId": N}.
+// Without --sections: a speech exceptions file (magic "KSPX") or a sound
+// highlight file (SHI) is written as JSON of its own form (see
+// MediaFileDump.h); any other file is read as a document whatever its magic,
+// and its head and named entries are written as JSON. Objects of classes
+// this program does not know show as {"class": null, "classId": N}.
 // With --sections: writes the raw frame tree (see FrameTree.h).
 ToolCommand dumpCommand();
 
