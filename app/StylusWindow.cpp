@@ -402,6 +402,10 @@ void StylusWindow::showWaitMarks(bool shown)
         showMarkers();
 }
 
+KSprite* StylusWindow::getWaitMarker() const { return waitMarker.get(); }
+
+KSprite* StylusWindow::getPauseMarker() const { return pauseMarker.get(); }
+
 void StylusWindow::startBlink()
 {
     blinkOn = true;

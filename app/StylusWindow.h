@@ -126,6 +126,8 @@ public:
     // hidden while the play is paused.
     void showWaitMarks(bool shown);
     bool areWaitMarksShown() const { return waitMarksShown; }
+    KSprite* getWaitMarker() const;
+    KSprite* getPauseMarker() const;
     void stopBlink();
     bool isCursorShown() const { return cursorShown; }
     // A wait for the user shows the cursor and keeps it until it ends;
