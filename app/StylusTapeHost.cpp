@@ -420,7 +420,8 @@ void StylusTapeHost::warnSpeechFailed(const KString& voice)
         return;
     speechFailureWarningGiven = true;
     // TRANSLATORS: %1 is the name of a synthetic voice.
-    alert(tapeTranslate("TaleLoom"), tapeTranslate("The voice %1 could not speak.").withArguments({ voice }));
+    KString text = tapeTranslate("The voice %1 could not speak.").withArguments({ voice });
+    alert(tapeTranslate("TaleLoom"), text);
 }
 
 bool StylusTapeHost::isMouseButtonDown() { return kksMouseButtonDown(); }
