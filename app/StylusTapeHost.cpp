@@ -460,6 +460,12 @@ void StylusTapeHost::showCursor(bool shown)
         window->showCursorForWait(shown);
 }
 
+void StylusTapeHost::releaseCursor(bool shown)
+{
+    if (StylusWindow* window = StylusWindow::current())
+        window->releaseCursorFromWait(shown);
+}
+
 // Only what plays is paused: a paused medium stays so, a loaded one stays
 // ready.
 void StylusTapeHost::pauseAllMedia()

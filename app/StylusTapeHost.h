@@ -92,6 +92,7 @@ public:
     int32_t getBusyDepth() const { return busyDepth; }
     bool isCursorShown() override;
     void showCursor(bool shown) override;
+    void releaseCursor(bool shown) override;
     void pauseAllMedia() override;
     // The program's own pictures, compiled into it.
     bool loadBitmapResource(int16_t id, KImage& image) override;

@@ -444,7 +444,13 @@ void StylusWindow::showCursorForWait(bool shown)
 {
     cursorHeldByWait = shown;
     setCursorShown(shown);
-    if (!shown)
+}
+
+void StylusWindow::releaseCursorFromWait(bool shown)
+{
+    cursorHeldByWait = false;
+    setCursorShown(shown);
+    if (shown && windowMode == WindowMode::Playing)
         restartCursorTimer();
 }
 

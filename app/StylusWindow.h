@@ -133,6 +133,8 @@ public:
     // A wait for the user shows the cursor and keeps it until it ends;
     // the cursor timer of the play does not hide it meanwhile.
     void showCursorForWait(bool shown);
+    // The wait is over: the cursor goes back to the play's rule.
+    void releaseCursorFromWait(bool shown);
     // The application tells the window when it fills the screen.
     void setFullScreenShown(bool shown) { fullScreenShown = shown; }
     bool isFullScreenShown() const { return fullScreenShown; }

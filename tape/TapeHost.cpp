@@ -102,6 +102,7 @@ double TapeHost::speechSpeed() { return -1.0; }
 void TapeHost::wordLit(TapeObject&, int32_t, int32_t) { }
 bool TapeHost::isCursorShown() { return true; }
 void TapeHost::showCursor(bool) { }
+void TapeHost::releaseCursor(bool) { }
 bool TapeHost::isMouseButtonDown() { return false; }
 void TapeHost::showingMovie(bool) { }
 void TapeHost::beginBusyCursor() { }

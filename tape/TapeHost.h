@@ -108,7 +108,10 @@ public:
 
     // The mouse cursor on the screen; the quiet host has none to hide.
     virtual bool isCursorShown();
+    // A wait for the user shows the cursor and keeps it shown until it
+    // lets it go, shown or hidden as it was before.
     virtual void showCursor(bool shown);
+    virtual void releaseCursor(bool shown);
 
     virtual void beginBusyCursor();
     virtual void endBusyCursor();

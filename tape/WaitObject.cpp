@@ -112,6 +112,7 @@ void WaitObject::startPlaying()
 void WaitObject::enterUserPhase()
 {
     phase = User;
+    cursorShown = true;
     TapeHost::get().showCursor(true);
     if (visualWarning)
         showMarks(true);
@@ -164,8 +165,10 @@ void WaitObject::stopPlaying()
 {
     TapeHost& host = TapeHost::get();
     listening = false;
-    if (!cursorWasVisible)
-        host.showCursor(false);
+    if (cursorShown) {
+        cursorShown = false;
+        host.releaseCursor(cursorWasVisible);
+    }
     showMarks(false);
     if (Tape* tape = getTape()) {
         if (tape->getPlayingObject() == this)

@@ -81,6 +81,7 @@ private:
     bool stopSounds = true;
     bool stopSpeech = true;
     bool cursorWasVisible = true;
+    bool cursorShown = false;
     bool marksShown = false;
     bool listening = false;
     Phase phase = Nothing;

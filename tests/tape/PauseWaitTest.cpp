@@ -133,6 +133,7 @@ TEST_F(PauseWaitTest, AKeyAnswersAWaitForTheUserButNotTheStopKeysOrRepeats)
     EXPECT_EQ(media.waitMarks, std::vector<bool>({ true, false }));
     // The cursor goes back to how the wait found it.
     EXPECT_FALSE(media.cursor);
+    EXPECT_EQ(media.cursorReleases, std::vector<bool>({ false }));
     // Once over, the wait takes no more keys.
     EXPECT_EQ(wait->handleKeyDown(*key('a')), 0);
 }

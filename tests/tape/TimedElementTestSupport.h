@@ -35,6 +35,11 @@ public:
         cursor = shown;
         cursorChanges.push_back(shown);
     }
+    void releaseCursor(bool shown) override
+    {
+        cursor = shown;
+        cursorReleases.push_back(shown);
+    }
     void checkSoundOutput() override { ++soundOutputChecks; }
     void checkSpeechEngine() override { ++speechEngineChecks; }
     void warnSpeechFailed(const KString& voice) override { speechFailures.emplace_back(voice.c_str()); }
@@ -44,6 +49,7 @@ public:
     bool marksOn = false;
     bool cursor = true;
     std::vector<bool> cursorChanges;
+    std::vector<bool> cursorReleases;
     int32_t soundOutputChecks = 0;
     int32_t speechEngineChecks = 0;
     std::vector<std::string> speechFailures;
