@@ -116,7 +116,9 @@ public:
     void goToEnd();
     void deleteLast();
     void moveToolPalette();
-    // Kinds 1 to 10; those without a dialog yet beep.
+    // Kinds 1 to 10. Without the dialogs' hook, a wait, a speech and a
+    // pause go in at the position with their defaults and a sound with the
+    // file the user picks; the other kinds beep.
     void insertElement(int32_t kind);
     // A stroke, a motion or an element entered the tape.
     void elementAdded();
@@ -127,6 +129,8 @@ public:
 private:
     StylusWindow* window() const;
     Tape* tape() const;
+    void addInserted(TapeObject& element);
+    TapeObjectPtr askSoundElement();
     bool tapeIsIdle() const;
     void stopEditing();
     // Asks for a file with the chooser; false when the user cancelled.

@@ -1,14 +1,26 @@
 // Play and stop, the steps along the tape, and inserting elements.
 
+#include "app/ProjectFiles.h"
 #include "app/StylusActions.h"
 #include "app/StylusApplication.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
+#include "app/UiText.h"
+#include "kernel/KDirectory.h"
+#include "kernel/KFileReference.h"
+#include "kernel/KPath.h"
+#include "kmultimedia/KSoundSupport.h"
 #include "kmultimedia/StylusSpriteSystem.h"
 #include "project/StylusProject.h"
+#include "tape/StylusPause.h"
+#include "tape/StylusSound.h"
+#include "tape/StylusSpeech.h"
 #include "tape/Tape.h"
 #include "tape/TapeHost.h"
+#include "tape/TapeMediaImport.h"
+#include "tape/WaitObject.h"
 #include "windowing/KApplication.h"
+#include "windowing/KDialogHandler.h"
 #include "windowing/KNativeLayer.h"
 
 #include <algorithm>
@@ -155,16 +167,80 @@ void StylusActions::moveToolPalette()
         KGraphicRectangle(int16_t(std::max(0, x)), int16_t(std::max(0, y)), frame.width, frame.height));
 }
 
+// Until the element dialogs exist, the elements that need nothing from the
+// user go in with their defaults, and a sound asks only for its file.
 void StylusActions::insertElement(int32_t kind)
 {
     if (!tape() || !tapeIsIdle() || kind < 1 || kind > 10 || kind == 2 || kind == 8)
         return;
     stopEditing();
-    if (!hookTable.insertWithDialog) {
+    if (hookTable.insertWithDialog) {
+        hookTable.insertWithDialog(*tape(), kind);
+        return;
+    }
+    TapeObjectPtr element;
+    switch (kind) {
+    case WaitType:
+        element = kAdopt(new WaitObject());
+        break;
+    case SpeechType:
+        element = kAdopt(new StylusSpeech());
+        break;
+    case PauseType:
+        element = kAdopt(new StylusPause());
+        break;
+    case SoundType:
+        element = askSoundElement();
+        if (!element)
+            return;
+        break;
+    default:
         TapeHost::get().beep();
         return;
     }
-    hookTable.insertWithDialog(*tape(), kind);
+    addInserted(*element);
+}
+
+void StylusActions::addInserted(TapeObject& element)
+{
+    tape()->addElement(element);
+    if (StylusWindow* shown = window())
+        shown->redrawPage(false);
+    elementAdded();
+}
+
+// The file goes into the project's media folder, as every media file does;
+// a file that is not a sound is refused with a beep.
+TapeObjectPtr StylusActions::askSoundElement()
+{
+    KDialogHandler* dialogs = KDialogHandler::current();
+    if (!dialogs) {
+        TapeHost::get().beep();
+        return TapeObjectPtr();
+    }
+    KFileReference chosen(documentsFolder().getPath().getChildFile(KString("x")));
+    StylusWindow* shown = window();
+    if (shown)
+        shown->hideBrush();
+    bool picked = dialogs->doOpenDialog(chosen, uiText("Insert Sound"), KFileTypeID(0));
+    if (shown)
+        shown->updateBrushPosition();
+    if (!picked)
+        return TapeObjectPtr();
+    if (!KSoundSupport::isSoundExtension(chosen.getPath().getExtension().c_str())) {
+        TapeHost::get().beep();
+        return TapeObjectPtr();
+    }
+    KFileReference file = chosen;
+    if (KDirectory* media = tape()->getMediaDirectory()) {
+        if (!importMediaFile(chosen, *media, file)) {
+            TapeHost::get().beep();
+            return TapeObjectPtr();
+        }
+    }
+    StylusSoundPtr sound(new StylusSound());
+    sound->setFile(file);
+    return sound;
 }
 
 void StylusActions::elementAdded() { tellChanged(); }

@@ -13,7 +13,9 @@
 #include "kmultimedia/KAbstractMedia.h"
 #include "kmultimedia/KMediaManager.h"
 #include "kmultimedia/KMovieSupport.h"
+#include "kmultimedia/KSoundSupport.h"
 #include "kmultimedia/KSpeechSupport.h"
+#include "tape/StylusSpeech.h"
 #include "windowing/KAlert.h"
 #include "windowing/KApplication.h"
 #include "windowing/KCursorManager.h"
@@ -165,6 +167,12 @@ void StylusTapeHost::showPauseMarks(bool shown)
         window->showPauseMarks(shown);
 }
 
+void StylusTapeHost::showWaitMarks(bool shown)
+{
+    if (StylusWindow* window = StylusWindow::current())
+        window->showWaitMarks(shown);
+}
+
 void StylusTapeHost::stopAction(Tape& tape)
 {
     StylusActions* actions = StylusActions::current();
@@ -206,6 +214,23 @@ int32_t StylusTapeHost::readInteger(const char* key, int32_t fallback)
     if (!value || !isIntegerKind(value->getType()))
         return fallback;
     return integerOf(*value);
+}
+
+double StylusTapeHost::readReal(const char* key, double fallback)
+{
+    KVariable* value = preferences().getVariable(KString(key));
+    if (!value)
+        return fallback;
+    if (value->getType() == KVariable::DoubleType)
+        return value->getDouble();
+    if (value->getType() == KVariable::FloatType)
+        return value->getFloat();
+    return isIntegerKind(value->getType()) ? integerOf(*value) : fallback;
+}
+
+double StylusTapeHost::speechSpeed()
+{
+    return StylusSpeech::speedFromSettings(readFlag("CustomSpeechSpeed", false), readReal("SpeechSpeed", -1.0));
 }
 
 bool StylusTapeHost::autoEditCurrentElement() { return readFlag("AutoEdit", kDefaultAutoEdit); }
@@ -378,6 +403,27 @@ void StylusTapeHost::checkMovieEngine()
     alert(tapeTranslate("TaleLoom"), tapeTranslate("No Movie Player is installed!"));
 }
 
+bool StylusTapeHost::hasSoundOutput() { return KSoundSupport::availableEngines() != 0; }
+
+void StylusTapeHost::checkSoundOutput()
+{
+    if (soundWarningGiven || hasSoundOutput())
+        return;
+    soundWarningGiven = true;
+    alert(tapeTranslate("TaleLoom"), tapeTranslate("No Sound Output is available!"));
+}
+
+// Once a run: a story full of speech must not stop at every sentence.
+void StylusTapeHost::warnSpeechFailed(const KString& voice)
+{
+    if (speechFailureWarningGiven)
+        return;
+    speechFailureWarningGiven = true;
+    // TRANSLATORS: %1 is the name of a synthetic voice.
+    KString text = tapeTranslate("The voice %1 could not speak.").withArguments({ voice });
+    alert(tapeTranslate("TaleLoom"), text);
+}
+
 bool StylusTapeHost::isMouseButtonDown() { return kksMouseButtonDown(); }
 
 void StylusTapeHost::showingMovie(bool on) { movieShown = on; }
@@ -400,6 +446,24 @@ void StylusTapeHost::endBusyCursor()
     if (busyCursorManager)
         busyCursorManager->endWait();
     busyCursorManager.clear();
+}
+
+bool StylusTapeHost::isCursorShown()
+{
+    StylusWindow* window = StylusWindow::current();
+    return !window || window->isCursorShown();
+}
+
+void StylusTapeHost::showCursor(bool shown)
+{
+    if (StylusWindow* window = StylusWindow::current())
+        window->showCursorForWait(shown);
+}
+
+void StylusTapeHost::releaseCursor(bool shown)
+{
+    if (StylusWindow* window = StylusWindow::current())
+        window->releaseCursorFromWait(shown);
 }
 
 // Only what plays is paused: a paused medium stays so, a loaded one stays

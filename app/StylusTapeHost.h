@@ -39,6 +39,7 @@ public:
     void leaveInPlaceEdit() override;
     void setWindowColour(const KColor& colour) override;
     void showPauseMarks(bool shown) override;
+    void showWaitMarks(bool shown) override;
     void stopAction(Tape& tape) override;
     void selectTool(int32_t entry) override;
 
@@ -49,6 +50,8 @@ public:
     bool autoEditCurrentElement() override;
     bool highlightCurrentElement() override;
     KGraphicSize newDocumentPageSize() override;
+    // "CustomSpeechSpeed" and "SpeechSpeed".
+    double speechSpeed() override;
     int32_t screenHeight() override;
     // Answers from this set (a copy) from now on, e.g. the application's
     // own once it has read or changed its preferences.
@@ -74,6 +77,8 @@ public:
     // The engines are looked for once per run of this host.
     void checkSpeechEngine() override;
     void checkMovieEngine() override;
+    void checkSoundOutput() override;
+    void warnSpeechFailed(const KString& voice) override;
     bool isMouseButtonDown() override;
     void showingMovie(bool on) override;
     bool isShowingMovie() const { return movieShown; }
@@ -85,6 +90,9 @@ public:
     void beginBusyCursor() override;
     void endBusyCursor() override;
     int32_t getBusyDepth() const { return busyDepth; }
+    bool isCursorShown() override;
+    void showCursor(bool shown) override;
+    void releaseCursor(bool shown) override;
     void pauseAllMedia() override;
     // The program's own pictures, compiled into it.
     bool loadBitmapResource(int16_t id, KImage& image) override;
@@ -96,6 +104,8 @@ protected:
     virtual bool hasSpeechEngine();
     // The movie support (or the platform) can start a player.
     virtual bool hasMovieEngine();
+    // The sound support (or the platform) can play sound files.
+    virtual bool hasSoundOutput();
 
 private:
     class NoticeIdler;
@@ -103,6 +113,7 @@ private:
     const KPreferences& preferences();
     bool readFlag(const char* key, bool fallback);
     int32_t readInteger(const char* key, int32_t fallback);
+    double readReal(const char* key, double fallback);
     // Shows the notice when the loop is next idle; without an application
     // it waits for flushNotices.
     void scheduleNotice();
@@ -116,5 +127,7 @@ private:
     int32_t busyDepth = 0;
     bool speechWarningGiven = false;
     bool movieWarningGiven = false;
+    bool soundWarningGiven = false;
+    bool speechFailureWarningGiven = false;
     bool movieShown = false;
 };

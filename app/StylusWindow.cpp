@@ -59,6 +59,21 @@ KAlphaImagePtr markerImage(const KColor& colour)
     return image;
 }
 
+// The wait marker: the round sign with a white hand that points at the
+// page, so that a reader who cannot hear still sees that the story waits.
+KAlphaImagePtr waitMarkerImage(const KColor& colour)
+{
+    KAlphaImagePtr image = markerImage(colour);
+    KGraphicDevice& device = image->getDevice();
+    int16_t s = StylusWindow::kMarkerSize;
+    auto at = [s](int32_t x, int32_t y) { return KGraphicPoint(int16_t(x * s / 64), int16_t(y * s / 64)); };
+    device.setForeground(KColor(KColor::White));
+    // The finger points down to the left, towards the page's content.
+    device.fillPolygon({ at(14, 50), at(26, 24), at(32, 30), at(44, 14), at(52, 22), at(36, 36), at(42, 42) });
+    device.fillOval(KGraphicRectangle(at(34, 28).x, at(34, 28).y, int16_t(14 * s / 64), int16_t(14 * s / 64)));
+    return image;
+}
+
 } // namespace
 
 K_DEFINE_CLASS(StylusWindow, KWindow)
@@ -162,7 +177,7 @@ void StylusWindow::buildSprites()
     pauseMarker = kAdopt(new KSprite());
     pauseMarker->addFrame(*markerImage(KColor(0xEF00, 0x8600, 0)));
     waitMarker = kAdopt(new KSprite());
-    waitMarker->addFrame(*markerImage(KColor(0x1000, 0x6000, 0xE700)));
+    waitMarker->addFrame(*waitMarkerImage(KColor(0x1000, 0x6000, 0xE700)));
     for (KSprite* marker : { pauseMarker.get(), waitMarker.get() }) {
         marker->hide();
         spriteSystem->addSprite(*marker);
@@ -187,16 +202,11 @@ void StylusWindow::timerFired(KTimer& timer)
 {
     if (&timer == blinkTimer.get()) {
         blinkOn = !blinkOn;
-        if (pauseMarker) {
-            if (blinkOn)
-                pauseMarker->show();
-            else
-                pauseMarker->hide();
-        }
+        showMarkers();
     } else if (&timer == highlightTimer.get()) {
         hideHighlight(true);
     } else if (&timer == cursorTimer.get()) {
-        if (windowMode == WindowMode::Playing)
+        if (windowMode == WindowMode::Playing && !cursorHeldByWait)
             setCursorShown(false);
     }
 }
@@ -340,6 +350,7 @@ void StylusWindow::stopPlayMode()
 {
     if (cursorTimer)
         cursorTimer->stop();
+    cursorHeldByWait = false;
     setCursorShown(true);
     stopBlink();
     setWindowMode(WindowMode::TapeEditing);
@@ -371,12 +382,51 @@ void StylusWindow::showPauseMarks(bool shown)
     if (!pauseMarker)
         return;
     if (shown) {
-        blinkOn = true;
-        pauseMarker->show();
-        if (blinkTimer && !blinkTimer->isRunning())
-            blinkTimer->start();
+        pauseMarksShown = true;
+        startBlink();
     } else {
         stopBlink();
+    }
+}
+
+// While paused the wait is dropped by the tape, and its marker with it;
+// the wait shows it again when it starts over on resuming.
+void StylusWindow::showWaitMarks(bool shown)
+{
+    waitMarksShown = shown;
+    if (shown)
+        startBlink();
+    else if (!pauseMarksShown)
+        stopBlink();
+    else
+        showMarkers();
+}
+
+KSprite* StylusWindow::getWaitMarker() const { return waitMarker.get(); }
+
+KSprite* StylusWindow::getPauseMarker() const { return pauseMarker.get(); }
+
+void StylusWindow::startBlink()
+{
+    blinkOn = true;
+    showMarkers();
+    if (blinkTimer && !blinkTimer->isRunning())
+        blinkTimer->start();
+}
+
+// Each marker shows in the on half of the blink while it is wanted; the
+// wait's not while the play is paused.
+void StylusWindow::showMarkers()
+{
+    bool pauseOn = blinkOn && pauseMarksShown;
+    bool waitOn = blinkOn && waitMarksShown && !pauseMarksShown;
+    for (auto [marker, on] : { std::pair(pauseMarker.get(), pauseOn), std::pair(waitMarker.get(), waitOn) }) {
+        if (!marker)
+            continue;
+        if (on)
+            marker->show();
+        else
+            marker->hide();
     }
 }
 
@@ -385,10 +435,23 @@ void StylusWindow::stopBlink()
     if (blinkTimer)
         blinkTimer->stop();
     blinkOn = false;
-    if (pauseMarker)
-        pauseMarker->hide();
-    if (waitMarker)
-        waitMarker->hide();
+    pauseMarksShown = false;
+    waitMarksShown = false;
+    showMarkers();
+}
+
+void StylusWindow::showCursorForWait(bool shown)
+{
+    cursorHeldByWait = shown;
+    setCursorShown(shown);
+}
+
+void StylusWindow::releaseCursorFromWait(bool shown)
+{
+    cursorHeldByWait = false;
+    setCursorShown(shown);
+    if (shown && windowMode == WindowMode::Playing)
+        restartCursorTimer();
 }
 
 // --- Layout -------------------------------------------------------------------
@@ -410,10 +473,10 @@ void StylusWindow::placePage()
         return;
     spriteSystem->setOrigin(centredOrigin());
     KGraphicSize page = spriteSystem->getPageSize();
-    for (KSprite* marker : { pauseMarker.get(), waitMarker.get() }) {
-        if (marker)
-            marker->setPosition(float(page.width - kMarkerInset), float(kMarkerTop));
-    }
+    if (pauseMarker)
+        pauseMarker->setPosition(float(page.width - kMarkerInset), float(kMarkerTop));
+    if (waitMarker)
+        waitMarker->setPosition(float(page.width - kWaitMarkerInset - kMarkerSize), float(kWaitMarkerInset));
     layoutStale = true;
     invalidate();
 }

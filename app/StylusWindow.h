@@ -32,9 +32,12 @@ public:
     // The page of a window without a tape, and of a new story.
     static constexpr int32_t kDefaultWidth = 800;
     static constexpr int32_t kDefaultHeight = 600;
-    // The markers stand this far from the page's right edge, at this top.
+    // The pause marker stands this far from the page's right edge, at this
+    // top; the wait marker's right edge stands kWaitMarkerInset inside the
+    // page's top right corner.
     static constexpr int32_t kMarkerInset = 96;
     static constexpr int32_t kMarkerTop = 16;
+    static constexpr int32_t kWaitMarkerInset = 16;
     static constexpr int32_t kMarkerSize = 64;
     static constexpr int32_t kBlinkInterval = 1000;
     static constexpr int32_t kHighlightInterval = 500;
@@ -117,10 +120,21 @@ public:
     // --- Play ------------------------------------------------------------------
     void enterPlayMode();
     void stopPlayMode();
-    // The blinking pause (or wait) marker at the page's top right.
+    // The blinking pause marker at the page's top right.
     void showPauseMarks(bool shown);
+    // The blinking marker that points out a wait for the user; it stays
+    // hidden while the play is paused.
+    void showWaitMarks(bool shown);
+    bool areWaitMarksShown() const { return waitMarksShown; }
+    KSprite* getWaitMarker() const;
+    KSprite* getPauseMarker() const;
     void stopBlink();
     bool isCursorShown() const { return cursorShown; }
+    // A wait for the user shows the cursor and keeps it until it ends;
+    // the cursor timer of the play does not hide it meanwhile.
+    void showCursorForWait(bool shown);
+    // The wait is over: the cursor goes back to the play's rule.
+    void releaseCursorFromWait(bool shown);
     // The application tells the window when it fills the screen.
     void setFullScreenShown(bool shown) { fullScreenShown = shown; }
     bool isFullScreenShown() const { return fullScreenShown; }
@@ -176,6 +190,8 @@ private:
     void buildSprites();
     void dropSprites();
     void restartCursorTimer();
+    void startBlink();
+    void showMarkers();
     void setCursorShown(bool shown);
     void moveBrushTo(const KGraphicPoint& pagePoint);
     KAlphaImagePtr brushImage(int16_t size) const;
@@ -213,6 +229,9 @@ private:
     bool thinPen = false;
     bool highlightShown = false;
     bool blinkOn = false;
+    bool pauseMarksShown = false;
+    bool waitMarksShown = false;
+    bool cursorHeldByWait = false;
     bool cursorShown = true;
     bool fullScreenShown = false;
     // The back buffer no longer holds the surroundings and the page.

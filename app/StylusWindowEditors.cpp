@@ -353,13 +353,18 @@ bool StylusWindow::composePage(KImage& picture)
     hideHighlight(true);
     bool brushWas = isBrushShown();
     bool pauseWas = pauseMarker && pauseMarker->isVisible();
+    bool waitWas = waitMarker && waitMarker->isVisible();
     hideBrush();
-    if (pauseMarker)
-        pauseMarker->hide();
+    for (KSprite* marker : { pauseMarker.get(), waitMarker.get() }) {
+        if (marker)
+            marker->hide();
+    }
     scenePage->composeInto(picture);
     if (brushWas)
         brush->show();
     if (pauseWas)
         pauseMarker->show();
+    if (waitWas)
+        waitMarker->show();
     return picture.hasImage();
 }

@@ -7,10 +7,14 @@
 #include "tape/Stroke.h"
 #include "tape/StylusImage.h"
 #include "tape/StylusMovie.h"
+#include "tape/StylusPause.h"
+#include "tape/StylusSound.h"
+#include "tape/StylusSpeech.h"
 #include "tape/Tape.h"
 #include "tape/TapeGraphicObject.h"
 #include "tape/TapeObject.h"
 #include "tape/TapePage.h"
+#include "tape/WaitObject.h"
 #include "tape/WipeOut.h"
 #include "windowing/KWindowingClasses.h"
 
@@ -27,6 +31,10 @@ void registerTapeClasses()
     WipeOut::registerClass();
     StylusMovie::registerClass();
     StylusImage::registerClass();
+    StylusSound::registerClass();
+    StylusSpeech::registerClass();
+    StylusPause::registerClass();
+    WaitObject::registerClass();
     Tape::registerClass();
     TapePage::registerClass();
     ImageTapePage::registerClass();

@@ -49,6 +49,7 @@ void TapeHost::beginInPlaceEdit(Tape&, TapeObject&) { }
 void TapeHost::leaveInPlaceEdit() { }
 void TapeHost::setWindowColour(const KColor&) { }
 void TapeHost::showPauseMarks(bool) { }
+void TapeHost::showWaitMarks(bool) { }
 
 void TapeHost::stopAction(Tape& tape)
 {
@@ -95,6 +96,13 @@ void TapeHost::refuseMediaName(const KString& name)
 }
 void TapeHost::checkSpeechEngine() { }
 void TapeHost::checkMovieEngine() { }
+void TapeHost::checkSoundOutput() { }
+void TapeHost::warnSpeechFailed(const KString&) { }
+double TapeHost::speechSpeed() { return -1.0; }
+void TapeHost::wordLit(TapeObject&, int32_t, int32_t) { }
+bool TapeHost::isCursorShown() { return true; }
+void TapeHost::showCursor(bool) { }
+void TapeHost::releaseCursor(bool) { }
 bool TapeHost::isMouseButtonDown() { return false; }
 void TapeHost::showingMovie(bool) { }
 void TapeHost::beginBusyCursor() { }

@@ -37,6 +37,8 @@ public:
     virtual void leaveInPlaceEdit();
     virtual void setWindowColour(const KColor& colour);
     virtual void showPauseMarks(bool shown);
+    // The blinking sign that the story waits for the user.
+    virtual void showWaitMarks(bool shown);
     // The program's stop action, at the end of a tape that does not loop.
     virtual void stopAction(Tape& tape);
     // The actor editor's background behind a frame tape, drawn into the
@@ -80,6 +82,11 @@ public:
     // Warns once that the speech or the movie engine is missing, if it is.
     virtual void checkSpeechEngine();
     virtual void checkMovieEngine();
+    // Warns once that sounds cannot be heard: no sound output is there.
+    virtual void checkSoundOutput();
+    // Warns once that a speech could not be started although the engine is
+    // there (no audio output, or a voice the engine cannot load).
+    virtual void warnSpeechFailed(const KString& voice);
     // Whether the mouse button is held down now; a movie that can be
     // stopped ends at a press. The quiet host knows no mouse: false.
     virtual bool isMouseButtonDown();
@@ -87,7 +94,24 @@ public:
     // window's sprite layer shows the page more often while one is on.
     virtual void showingMovie(bool on);
 
+    // --- Speech -------------------------------------------------------------
+
+    // The speed speeches are given, 0.0 to 1.0; negative for the media's
+    // own. The quiet host has no settings: negative.
+    virtual double speechSpeed();
+    // A text element lit a word of its text while it is read aloud: the
+    // word's first character and length in the text. Nothing by default; a
+    // program that records a play listens here.
+    virtual void wordLit(TapeObject& element, int32_t wordStart, int32_t wordLength);
+
     // --- Cursor, media, actors, resources -----------------------------------
+
+    // The mouse cursor on the screen; the quiet host has none to hide.
+    virtual bool isCursorShown();
+    // A wait for the user shows the cursor and keeps it shown until it
+    // lets it go, shown or hidden as it was before.
+    virtual void showCursor(bool shown);
+    virtual void releaseCursor(bool shown);
 
     virtual void beginBusyCursor();
     virtual void endBusyCursor();

@@ -31,9 +31,11 @@ namespace {
 class ProbedHost : public StylusTapeHost {
 public:
     bool speechPresent = true;
+    bool soundPresent = true;
 
 protected:
     bool hasSpeechEngine() override { return speechPresent; }
+    bool hasSoundOutput() override { return soundPresent; }
 };
 
 class StylusTapeHostTest : public ::testing::Test {
@@ -164,6 +166,43 @@ TEST_F(StylusTapeHostTest, MissingEnginesAreWarnedAboutOncePerRun)
     EXPECT_EQ(layer.alerts()[1].text, "No Movie Player is installed!");
     host.checkSpeechEngine();
     EXPECT_EQ(layer.alerts().size(), 2u);
+}
+
+TEST_F(StylusTapeHostTest, NoSoundOutputAndASpeechThatCannotStartAreToldOnce)
+{
+    ProbedHost host;
+    host.checkSoundOutput();
+    EXPECT_TRUE(layer.alerts().empty());
+    host.soundPresent = false;
+    host.checkSoundOutput();
+    host.checkSoundOutput();
+    host.warnSpeechFailed("Klingon");
+    host.warnSpeechFailed("Elvish");
+    ASSERT_EQ(layer.alerts().size(), 2u);
+    EXPECT_EQ(layer.alerts()[0].text, "No Sound Output is available!");
+    EXPECT_EQ(layer.alerts()[1].text, "The voice Klingon could not speak.");
+}
+
+TEST_F(StylusTapeHostTest, SpeechSpeedIsTheSettingsValueOnlyWhenCustomAndNotTheVoicesOwn)
+{
+    StylusTapeHost host;
+    KPreferences stored;
+    host.setPreferences(stored);
+    EXPECT_LT(host.speechSpeed(), 0.0);
+    stored.setDouble("SpeechSpeed", 30.0);
+    host.setPreferences(stored);
+    EXPECT_LT(host.speechSpeed(), 0.0) << "not custom";
+    stored.setBool("CustomSpeechSpeed", true);
+    host.setPreferences(stored);
+    EXPECT_DOUBLE_EQ(host.speechSpeed(), 0.3);
+    stored.setLong("SpeechSpeed", 75);
+    host.setPreferences(stored);
+    EXPECT_DOUBLE_EQ(host.speechSpeed(), 0.75);
+    for (double own : { 50.0, 65535.0, -1.0 }) {
+        stored.setDouble("SpeechSpeed", own);
+        host.setPreferences(stored);
+        EXPECT_LT(host.speechSpeed(), 0.0) << own;
+    }
 }
 
 TEST_F(StylusTapeHostTest, FindMissingFileAsksInTheFolderAndACancelGivesUp)

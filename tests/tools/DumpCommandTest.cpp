@@ -215,6 +215,7 @@ TEST_F(DumpCommand, UsageErrorsGiveTheUsageAndStatusTwo)
         = usage
           + "usage: taleloom-tool info PROJECT.TPD\n"
             "usage: taleloom-tool render PROJECT.TPD [--position N] [--size N] -o PAGE.png\n"
+            "usage: taleloom-tool trace STORY.TPD -o TRACE.json [--input click@MS] [--input key:K@MS] [--limit MS]\n"
             "usage: taleloom-tool voices [--language L]\n"
             "usage: taleloom-tool speak TEXT [--voice V] [--speed S] [--volume V] -o OUT.wav [--events]\n"
             "usage: taleloom-tool play FILE [--volume V] [--balance B] [--to-file OUT.wav] [--json]\n"

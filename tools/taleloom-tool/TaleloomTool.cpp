@@ -8,6 +8,7 @@
 #include "tools/taleloom-tool/RenderCommand.h"
 #include "tools/taleloom-tool/SoundCommands.h"
 #include "tools/taleloom-tool/ToolCommand.h"
+#include "tools/taleloom-tool/TraceCommand.h"
 
 #include <iterator>
 #include <ostream>
@@ -16,7 +17,8 @@ namespace {
 
 // The commands, in the order the usage lists them.
 const ToolCommand kCommands[] = {
-    dumpCommand(), infoCommand(), renderCommand(), voicesCommand(), speakCommand(), playCommand(), recordCommand(),
+    dumpCommand(),   infoCommand(),  renderCommand(), traceCommand(),
+    voicesCommand(), speakCommand(), playCommand(),   recordCommand(),
 };
 
 int generalUsage(std::ostream& err)
