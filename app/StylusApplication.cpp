@@ -21,6 +21,7 @@
 #include "kernel/KPreferences.h"
 #include "kernel/KTextCodec.h"
 #include "kmultimedia/KMediaManager.h"
+#include "kmultimedia/KSpeechExceptionHandler.h"
 #include "project/StylusProject.h"
 #include "tape/Tape.h"
 #include "windowing/KAlert.h"
@@ -202,6 +203,9 @@ void StylusApplication::startMediaManager()
         return;
     mediaManager = kAdopt(new KMediaManager());
     mediaManager->setUp(7);
+    // The one exceptions dictionary every speech of the stories rewrites
+    // its text through; it reads the user's file once here.
+    speechExceptions = kAdopt(new KSpeechExceptionHandler());
 }
 
 // The first file is the document; the switches count only when it exists.
@@ -500,5 +504,6 @@ void StylusApplication::doExit()
     if (mediaManager) {
         mediaManager->closeMediaSupport();
         mediaManager.clear();
+        speechExceptions.clear();
     }
 }

@@ -111,6 +111,7 @@ private:
     KPtr<ToolPalette> toolPalette;
     KPtr<StylusActions> actions;
     KMediaManagerPtr mediaManager;
+    KSpeechExceptionHandlerPtr speechExceptions;
     std::unique_ptr<RecoveryCopy> recovery;
     std::unique_ptr<StateFile> stateFile;
 };

@@ -30,6 +30,16 @@ public:
         lastOutput = outputLength;
     }
 
+    // One more output character that stands for the last given one: the
+    // space after a text's final word has nothing of its own in the text.
+    void repeatLast()
+    {
+        if (lastGiven <= 0)
+            return;
+        map.push_back(lastGiven - 1);
+        ++lastOutput;
+    }
+
 private:
     std::vector<int32_t>& map;
     int32_t lastGiven = 0;
@@ -101,8 +111,16 @@ void KSpeechRewriter::rewrite(const KString& given, KSpeechRewrite& out) const
             spoken.append(text + wordBegin, size_t(wordLength));
         if (mark)
             spoken.push_back(mark);
-        spoken.push_back(' ');
-        mapper.advance(i + 1, int32_t(spoken.size()));
+        if (separator) {
+            spoken.push_back(' ');
+            mapper.advance(i + 1, int32_t(spoken.size()));
+        } else {
+            // The final word is mapped without the space the engine gets
+            // after it, so its last character lights too.
+            mapper.advance(i + 1, int32_t(spoken.size()));
+            spoken.push_back(' ');
+            mapper.repeatLast();
+        }
         wordBegin = i + 1;
     }
     out.spoken.setText(spoken.data(), int32_t(spoken.size()));

@@ -5,6 +5,7 @@
 #include "kernel/KClassWriter.h"
 #include "kernel/KFile.h"
 #include "kernel/KJsonWriter.h"
+#include "kmultimedia/KExtendedSpeech.h"
 #include "kmultimedia/KSpeech.h"
 #include "kmultimedia/KSpeechSupport.h"
 #include "tape/StylusSound.h"
@@ -19,7 +20,7 @@ namespace {
 
 // The one place the element's medium is made, so that a speech with a
 // dictionary of its own can take the plain one's place.
-KSpeechPtr makeSpeech() { return KSpeechPtr(new KSpeech()); }
+KSpeechPtr makeSpeech() { return KSpeechPtr(new KExtendedSpeech()); }
 
 // "SpeechSpeed" values that leave the voice at its own speed.
 constexpr double kStoredOwnSpeed = 50.0;

@@ -35,8 +35,9 @@ void expectMaskFits(int16_t pictureId, int16_t maskId)
         for (int32_t x = 0; x < mask->getSize().width; ++x) {
             uint32_t m = colourAt(*mask, x, y);
             ASSERT_TRUE(m == 0 || m == 0xFFFFFF) << x << "," << y;
-            if (m == 0xFFFFFF)
+            if (m == 0xFFFFFF) {
                 ASSERT_EQ(colourAt(*picture, x, y), 0xFFFFFFu) << x << "," << y;
+            }
             shown += m == 0;
         }
     }

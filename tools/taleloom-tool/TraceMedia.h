@@ -25,6 +25,11 @@ public:
     void seek(double seconds) override;
     double duration() const override { return length; }
     double position() const override;
+    bool queryPosition(double& seconds) const override
+    {
+        seconds = position();
+        return playing;
+    }
     void setVolume(double) override { }
     void setBalance(double) override { }
     void update() override { }
