@@ -114,7 +114,11 @@ std::vector<std::string> characterTable(const char* set)
         char byte = char(c);
         gsize written = 0;
         gchar* converted = g_convert(&byte, 1, "UTF-8", set, nullptr, &written, nullptr);
-        if (converted && written > 0 && g_utf8_strlen(converted, gssize(written)) == 1)
+        // One code point, and none of the C1 controls that a converter may
+        // give for a byte the set leaves undefined.
+        bool single = converted && written > 0 && g_utf8_strlen(converted, gssize(written)) == 1;
+        gunichar point = single ? g_utf8_get_char_validated(converted, gssize(written)) : 0;
+        if (single && point < 0x110000 && (point < 0x80 || point >= 0xA0))
             table[size_t(c)].assign(converted, written);
         else
             table[size_t(c)] = c < 0x80 ? std::string(1, byte) : std::string("?");
