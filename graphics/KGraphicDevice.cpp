@@ -419,6 +419,19 @@ void KGraphicDevice::drawString(const KString& text, const KGraphicPoint& p)
         noteChange(changed);
 }
 
+void KGraphicDevice::drawTextLayout(const KNativeTextLayout& layout, double x, double y, double scaleX, double scaleY,
+                                    const KWideRectangle& extent)
+{
+    if (!nativeDevice || clipRects.isEmpty())
+        return;
+    KWideRectangle changed = extent;
+    changed.intersectWith(clipRects.getBounds());
+    if (changed.isEmpty())
+        return;
+    nativeDevice->drawTextLayout(layout, x, y, scaleX, scaleY, clipRects);
+    noteChange(changed);
+}
+
 void KGraphicDevice::frameRegion(const KGraphicRegion& region)
 {
     if (!nativeDevice)

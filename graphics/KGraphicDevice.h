@@ -144,6 +144,11 @@ public:
     // The text in the device's font (the system font when none is set), in
     // the foreground colour, its top left corner at p.
     void drawString(const KString& text, const KGraphicPoint& p);
+    // A laid-out text with its top left corner at (x, y), scaled by the
+    // factors and clipped; `extent` is the rectangle it may touch, reported
+    // as changed.
+    void drawTextLayout(const KNativeTextLayout& layout, double x, double y, double scaleX, double scaleY,
+                        const KWideRectangle& extent);
     void frameRegion(const KGraphicRegion& region);
     void fillRegion(const KGraphicRegion& region);
     void framePolygon(const std::vector<KGraphicPoint>& points);

@@ -12,6 +12,12 @@
 #include "graphics/KGraphicSize.h"
 #include "graphics/KImage.h"
 #include "graphics/KPattern.h"
+#include "graphics/KTextBlock.h"
+#include "graphics/KTextBlockObject.h"
+#include "graphics/KTextLine.h"
+#include "graphics/KTextLineObject.h"
+#include "graphics/KTextStyle.h"
+#include "graphics/KTextStyleRun.h"
 #include "graphics/KWidePoint.h"
 #include "graphics/KWideRectangle.h"
 #include "graphics/KWideSize.h"
@@ -38,4 +44,10 @@ void kRegisterGraphicsClasses()
     KImage::registerClass();
     KAlphaImage::registerClass();
     KPattern::registerClass();
+    KTextStyle::registerClass();
+    KTextStyleRun::registerClass();
+    KTextLine::registerClass();
+    KTextBlock::registerClass();
+    KTextBlockObject::registerClass();
+    KTextLineObject::registerClass();
 }

@@ -21,12 +21,19 @@ class KGraphicObject;
 class KImage;
 class KAlphaImage;
 class KPattern;
+class KTextStyle;
+class KTextStyleRun;
+class KTextLine;
+class KTextBlock;
+class KTextBlockObject;
+class KTextLineObject;
 
 // Opaque handles of the native side (cairo, pango); only graphics/native
 // knows what they are.
 class KNativeDevice;
 class KNativeRegion;
 class KNativeFont;
+class KNativeTextLayout;
 
 // The standard fonts: 0 the system font, 1 to 3 the application's fonts,
 // anything else the fallback.
@@ -47,3 +54,9 @@ using KGraphicObjectPtr = KPtr<KGraphicObject>;
 using KImagePtr = KPtr<KImage>;
 using KAlphaImagePtr = KPtr<KAlphaImage>;
 using KPatternPtr = KPtr<KPattern>;
+using KTextStylePtr = KPtr<KTextStyle>;
+using KTextStyleRunPtr = KPtr<KTextStyleRun>;
+using KTextLinePtr = KPtr<KTextLine>;
+using KTextBlockPtr = KPtr<KTextBlock>;
+using KTextBlockObjectPtr = KPtr<KTextBlockObject>;
+using KTextLineObjectPtr = KPtr<KTextLineObject>;

@@ -2,6 +2,7 @@
 
 #include "graphics/KBoxFilter.h"
 #include "graphics/native/KNativeText.h"
+#include "graphics/native/KNativeTextLayout.h"
 
 #include <cairo.h>
 #include <pango/pangocairo.h>
@@ -208,6 +209,23 @@ void KNativeDevice::drawText(const std::string& utf8, int32_t x, int32_t y, cons
     cairo_move_to(cr, x, y);
     pango_cairo_show_layout(cr, layout);
     g_object_unref(layout);
+    closeContext(cr);
+    cairo_surface_flush(surface);
+}
+
+void KNativeDevice::drawTextLayout(const KNativeTextLayout& layout, double x, double y, double scaleX, double scaleY,
+                                   const KClipRectangles& clip)
+{
+    if (clip.isEmpty() || !(scaleX > 0.0) || !(scaleY > 0.0))
+        return;
+    cairo_t* cr = openContext(clip);
+    cairo_set_antialias(cr, CAIRO_ANTIALIAS_GRAY);
+    cairo_set_operator(cr, CAIRO_OPERATOR_OVER);
+    cairo_set_source_rgb(cr, 0, 0, 0);
+    cairo_translate(cr, x, y);
+    cairo_scale(cr, scaleX, scaleY);
+    cairo_move_to(cr, 0, 0);
+    layout.show(cr);
     closeContext(cr);
     cairo_surface_flush(surface);
 }

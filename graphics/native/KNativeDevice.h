@@ -61,6 +61,11 @@ public:
     void drawText(const std::string& utf8, int32_t x, int32_t y, const KNativeFont* font, int32_t face, uint32_t colour,
                   const KClipRectangles& clip);
 
+    // Shows a text layout with its top left corner at (x, y), scaled by the
+    // factors, antialiased; the layout stays as it was laid out.
+    void drawTextLayout(const KNativeTextLayout& layout, double x, double y, double scaleX, double scaleY,
+                        const KClipRectangles& clip);
+
 private:
     KNativeDevice() = default;
     // A context on the target, clipped; the caller destroys or restores it.

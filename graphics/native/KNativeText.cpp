@@ -7,6 +7,7 @@
 #include <cmath>
 #include <glib.h>
 #include <pango/pangocairo.h>
+#include <vector>
 
 namespace {
 
@@ -100,6 +101,39 @@ void kMeasureText(const KNativeFont* font, int32_t face, const std::string& utf8
     g_object_unref(layout);
     width = w;
     height = h;
+}
+
+namespace {
+
+// The 256 characters of one set as UTF-8; bytes the converter refuses
+// become "?".
+std::vector<std::string> characterTable(const char* set)
+{
+    std::vector<std::string> table(256);
+    for (int c = 0; c < 256; ++c) {
+        char byte = char(c);
+        gsize written = 0;
+        gchar* converted = g_convert(&byte, 1, "UTF-8", set, nullptr, &written, nullptr);
+        // One code point, and none of the C1 controls that a converter may
+        // give for a byte the set leaves undefined.
+        bool single = converted && written > 0 && g_utf8_strlen(converted, gssize(written)) == 1;
+        gunichar point = single ? g_utf8_get_char_validated(converted, gssize(written)) : 0;
+        if (single && point < 0x110000 && (point < 0x80 || point >= 0xA0))
+            table[size_t(c)].assign(converted, written);
+        else
+            table[size_t(c)] = c < 0x80 ? std::string(1, byte) : std::string("?");
+        g_free(converted);
+    }
+    return table;
+}
+
+} // namespace
+
+const std::string& kGraphicsCharToUtf8(unsigned char c, int32_t charSet)
+{
+    static const std::vector<std::string> windows = characterTable("WINDOWS-1252");
+    static const std::vector<std::string> macintosh = characterTable("MACINTOSH");
+    return (charSet == KString::MacintoshSet ? macintosh : windows)[c];
 }
 
 std::string kGraphicsTextToUtf8(const KString& text)

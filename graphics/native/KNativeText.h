@@ -31,3 +31,7 @@ void kMeasureText(const KNativeFont* font, int32_t face, const std::string& utf8
 // 8-bit text in its character set (the Windows set or the Macintosh set) as
 // UTF-8 for pango.
 std::string kGraphicsTextToUtf8(const KString& text);
+// One character of such a set as UTF-8 (one code point; "?" for a byte the
+// set leaves undefined), from a table made once, so that text can be mapped
+// character by character.
+const std::string& kGraphicsCharToUtf8(unsigned char c, int32_t charSet);
