@@ -230,7 +230,7 @@ TEST_F(ExtendedSpeechTest, TheEngineSpeaksTheRewrittenTextAndTheWordsComeBackAsW
     // At the end the rest is told, and both speeches end in the same pass.
     script().done = true;
     manager->idle();
-    EXPECT_EQ(catcher->words.back(), (Word { 8, 1 }));
+    EXPECT_EQ(catcher->words.back(), (Word { 8, 2 }));
     EXPECT_EQ(catcher->words.size(), 3u);
     EXPECT_EQ(speech->getStatus(), KAbstractMedia::Loaded);
     EXPECT_EQ(speech->getEngine().getStatus(), KAbstractMedia::Loaded);
