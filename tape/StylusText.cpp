@@ -540,6 +540,8 @@ void StylusText::finish(Tape& tape)
 {
     if (waitForEnd || (!speech && !player))
         stopPlaying();
+    else
+        textObject.clear();
     if (tape.getPlayingObject() == this)
         tape.clearPlayingObject();
 }

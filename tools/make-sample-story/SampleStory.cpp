@@ -130,12 +130,12 @@ void addLastPage(Tape& tape)
 {
     tape.addElement(*wipe(rgb(250, 236, 200), WipeOut::Fade));
     StylusTextPtr text(new StylusText());
-    KTextStyle style(KFont(KString(KTextStyle::kDefaultFontName), 36.0), rgb(40, 40, 110));
+    KTextStyle style(KFont(KString(KTextStyle::kDefaultFontName), 30.0), rgb(40, 40, 110));
     text->setTextBlock(KTextBlock(KString(kClosingText), style, KTextBlock::AlignCentre));
     text->setVoice(KString());
     text->setTransparent(true);
     text->setMarkColour(rgb(255, 230, 90));
-    text->setBounds(KGraphicRectangle(60, 150, 520, 140));
+    text->setBounds(KGraphicRectangle(40, 170, 560, 120));
     tape.addElement(*text);
 
     StylusSoundPtr chime(new StylusSound());
