@@ -63,7 +63,7 @@ public:
     // Draws over the page in its bounds and refreshes them.
     void drawOnPage() override;
     void drawOn(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target) override;
-    // As drawOn, with the characters from `markStart`, `length` of them,
+    // As drawOn, with the characters from `start`, `length` of them,
     // marked in the mark colour as when they are read aloud.
     void drawMarked(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target,
                     int32_t start, int32_t length);
