@@ -13,8 +13,9 @@
 // and writes when each element started and ended, each word that a text
 // lit and each time a text took its mark away, in milliseconds of the
 // story. Story time 0 is the first tick of the tape. Sounds take their
-// length and speeches the length of what the voice makes of them; movies play in real time. Input given with --input is
-// delivered at the first tick at or after its time, before the tape's step:
+// length and speeches the length of what the voice makes of them; movies
+// play in real time. Input given with --input is delivered at the first
+// tick at or after its time, before the tape's step:
 // "click" presses and releases the mouse button, "key:K" presses the key K
 // (a character, or "escape", "return", "space", "tab"). A story that loops
 // is traced once through. --limit ends the trace (default 600000).
