@@ -22,9 +22,20 @@ uint32_t rgbAt(KGraphicDevice& device, int x, int y)
 }
 
 // The colours the sample story paints with.
-constexpr uint32_t kWall = 0xC8783C;
 constexpr uint32_t kNightSky = 0x141E50;
 constexpr uint32_t kSkin = 0xFAD2A0;
+constexpr uint32_t kPaper = 0xFAECC8;
+
+// A faded page may differ from its colour by a step of rounding.
+bool isNear(uint32_t a, uint32_t b)
+{
+    for (int shift = 0; shift <= 16; shift += 8) {
+        int difference = int((a >> shift) & 0xFF) - int((b >> shift) & 0xFF);
+        if (difference < -2 || difference > 2)
+            return false;
+    }
+    return true;
+}
 
 // The program started on the bundled story: the page at the story's end,
 // then the walker after his walk, then the close button.
@@ -41,7 +52,7 @@ public:
         auto* app = static_cast<StoryApp*>(data);
         StylusWindow& window = *StylusWindow::current();
         app->page = window.getPageRectangle();
-        app->wall = rgbAt(window, app->page.x + 300, app->page.y + 300);
+        app->endColour = rgbAt(window, app->page.x + 300, app->page.y + 300);
         if (Tape* tape = window.getTape()) {
             app->position = tape->getPosition();
             app->count = tape->getCount();
@@ -81,7 +92,7 @@ public:
 
     KGraphicRectangle page;
     KGraphicRectangle walkerBounds;
-    uint32_t wall = 0;
+    uint32_t endColour = 0;
     int32_t position = -1;
     int32_t count = -2;
     bool walkerVisible = false;
@@ -116,10 +127,11 @@ TEST(SampleStoryWindowTest, OpensTheStoryNamedOnTheCommandLineWithItsActor)
         const char* arguments[] = { "taleloom", story.c_str() };
         app->run("StylusWindow", 2, arguments);
 
-        // The story opens where it was saved, at its end: the house.
-        EXPECT_EQ(app->count, 21);
+        // The story opens where it was saved, at its end: the page read
+        // aloud, on its paper.
+        EXPECT_EQ(app->count, 26);
         EXPECT_EQ(app->position, app->count);
-        EXPECT_EQ(app->wall, kWall);
+        EXPECT_TRUE(isNear(app->endColour, kPaper)) << std::hex << app->endColour;
         // Walking back to the walk brings the walker from the story's
         // Actors folder onto the scene, at the path's end, see-through
         // around his strokes.
