@@ -1,5 +1,6 @@
 #include "windowing/KEventTranslator.h"
 #include "windowing/native/KGtkNativeLayer.h"
+#include "windowing/native/KGtkStyledText.h"
 #include "windowing/native/KGtkText.h"
 #include "windowing/native/KGtkWindowHandle.h"
 
@@ -292,6 +293,8 @@ GtkWidget* makeWidget(KGtkControlHandle& control, const KNativeControlSetup& set
         return makeSwatch(control);
     case Kind::Picture:
         return makePicture(control);
+    case Kind::StyledText:
+        return kGtkMakeStyledText(control, setup);
     default:
         return makeButton(control, text);
     }
@@ -518,6 +521,7 @@ void KGtkNativeLayer::destroyControl(void* control)
     auto* handle = static_cast<KGtkControlHandle*>(control);
     if (!handle)
         return;
+    kGtkDropStyledText(*handle);
     if (handle->widget) {
         disconnect(*handle);
         g_object_remove_weak_pointer(G_OBJECT(handle->widget), reinterpret_cast<gpointer*>(&handle->widget));
@@ -653,6 +657,10 @@ void KGtkNativeLayer::setControlTextLimit(void* control, int32_t limit)
 void KGtkNativeLayer::setControlColour(void* control, const KNativeColour& colour)
 {
     KGtkControlHandle* handle = handleOf(control);
+    if (handle && handle->kind == Kind::StyledText && handle->styled) {
+        kGtkSetStyledBackground(*handle, colour);
+        return;
+    }
     if (!handle || handle->kind != Kind::ColourSwatch)
         return;
     handle->colour = colour;
