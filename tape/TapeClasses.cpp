@@ -10,6 +10,7 @@
 #include "tape/StylusPause.h"
 #include "tape/StylusSound.h"
 #include "tape/StylusSpeech.h"
+#include "tape/StylusText.h"
 #include "tape/Tape.h"
 #include "tape/TapeGraphicObject.h"
 #include "tape/TapeObject.h"
@@ -31,6 +32,7 @@ void registerTapeClasses()
     WipeOut::registerClass();
     StylusMovie::registerClass();
     StylusImage::registerClass();
+    StylusText::registerClass();
     StylusSound::registerClass();
     StylusSpeech::registerClass();
     StylusPause::registerClass();

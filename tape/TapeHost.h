@@ -100,8 +100,9 @@ public:
     // own. The quiet host has no settings: negative.
     virtual double speechSpeed();
     // A text element lit a word of its text while it is read aloud: the
-    // word's first character and length in the text. Nothing by default; a
-    // program that records a play listens here.
+    // word's first character and length in the text. A length of 0 (and a
+    // start of -1) tells that the mark was taken away. Nothing by default;
+    // a program that records a play listens here.
     virtual void wordLit(TapeObject& element, int32_t wordStart, int32_t wordLength);
 
     // --- Cursor, media, actors, resources -----------------------------------
