@@ -114,7 +114,8 @@ std::vector<KNativeMenuItem> KTextFormatMenu::buildItems(const KTextStyle& style
     offeredFaces = listFaces(font.getName());
     std::vector<KNativeMenuItem> faces;
     for (size_t i = 0; i < offeredFaces.size(); ++i)
-        faces.push_back(check(FirstFace + int32_t(i), offeredFaces[i], on, sameFamily(offeredFaces[i], font.getName())));
+        faces.push_back(
+            check(FirstFace + int32_t(i), offeredFaces[i], on, sameFamily(offeredFaces[i], font.getName())));
     std::vector<KNativeMenuItem> sizes;
     for (int32_t points : getSizes())
         sizes.push_back(check(FirstSize + points, KString(std::to_string(points).c_str()), on,
@@ -130,8 +131,8 @@ std::vector<KNativeMenuItem> KTextFormatMenu::buildItems(const KTextStyle& style
     items.push_back(command(TextColour, kTranslate("Text Color..."), on));
     items.push_back(command(BackgroundColour, kTranslate("Background Color..."), on));
     items.push_back(separator());
-    items.push_back(check(alignmentItem(KTextBlock::AlignLeft), kTranslate("Align Left"), on,
-                          alignment == KTextBlock::AlignLeft));
+    items.push_back(
+        check(alignmentItem(KTextBlock::AlignLeft), kTranslate("Align Left"), on, alignment == KTextBlock::AlignLeft));
     items.push_back(check(alignmentItem(KTextBlock::AlignCentre), kTranslate("Align Center"), on,
                           alignment == KTextBlock::AlignCentre));
     items.push_back(check(alignmentItem(KTextBlock::AlignRight), kTranslate("Align Right"), on,

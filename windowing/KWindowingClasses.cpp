@@ -109,10 +109,9 @@ void kRegisterWindowingClasses()
     KControlActionEvent::registerClass();
     KFormatEvent::registerClass();
     registerRoot("KErrorHandler");
-    for (KClass* live :
-         { KWindow::classRecord, KWindowManager::classRecord, KInteractiveElement::classRecord,
-           KCursorManager::classRecord, KKeyboardManager::classRecord, KClipboardManager::classRecord,
-           KDialogHandler::classRecord, KApplication::classRecord, KTimerManager::classRecord, KEvent::classRecord,
-           KTextFormatMenu::classRecord })
+    for (KClass* live : { KWindow::classRecord, KWindowManager::classRecord, KInteractiveElement::classRecord,
+                          KCursorManager::classRecord, KKeyboardManager::classRecord, KClipboardManager::classRecord,
+                          KDialogHandler::classRecord, KApplication::classRecord, KTimerManager::classRecord,
+                          KEvent::classRecord, KTextFormatMenu::classRecord })
         live->setTransient();
 }

@@ -48,7 +48,7 @@ KGtkControlHandle* styledHandle(void* control)
 {
     auto* handle = static_cast<KGtkControlHandle*>(control);
     return handle && handle->widget && handle->kind == KNativeControlKind::StyledText && handle->styled ? handle
-                                                                                                           : nullptr;
+                                                                                                        : nullptr;
 }
 
 GtkTextView* viewOf(KGtkControlHandle& control) { return GTK_TEXT_VIEW(control.inner); }
@@ -108,8 +108,7 @@ std::vector<std::string> tagNames(const KNativeTextStyle& style)
     std::snprintf(colour, sizeof(colour), "%s%04x%04x%04x", kColourTag, style.colour.red, style.colour.green,
                   style.colour.blue);
     std::vector<std::string> names { std::string(kFamilyTag) + kToUtf8(style.family.c_str()),
-                                     std::string(kSizeTag) + std::to_string(std::lround(style.size * 100.0)),
-                                     colour };
+                                     std::string(kSizeTag) + std::to_string(std::lround(style.size * 100.0)), colour };
     if (style.face & kBold)
         names.emplace_back("bold");
     if (style.face & kItalic)
@@ -471,12 +470,11 @@ void kGtkSetStyledBackground(KGtkControlHandle& control, const KNativeColour& co
     if (!state.background) {
         state.background = gtk_css_provider_new();
         gtk_style_context_add_provider(gtk_widget_get_style_context(control.inner),
-                                       GTK_STYLE_PROVIDER(state.background),
-                                       GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+                                       GTK_STYLE_PROVIDER(state.background), GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
     }
     char css[160];
-    std::snprintf(css, sizeof(css), "textview, textview text { background-color: rgb(%d, %d, %d); }",
-                  colour.red >> 8, colour.green >> 8, colour.blue >> 8);
+    std::snprintf(css, sizeof(css), "textview, textview text { background-color: rgb(%d, %d, %d); }", colour.red >> 8,
+                  colour.green >> 8, colour.blue >> 8);
     gtk_css_provider_load_from_data(state.background, css, -1, nullptr);
 }
 
