@@ -117,8 +117,9 @@ public:
     void deleteLast();
     void moveToolPalette();
     // Kinds 1 to 10. Without the dialogs' hook, a wait, a speech and a
-    // pause go in at the position with their defaults and a sound with the
-    // file the user picks; the other kinds beep.
+    // pause go in at the position with their defaults, a sound with the
+    // file the user picks, and a text with its defaults in the middle of
+    // the page; the other kinds beep.
     void insertElement(int32_t kind);
     // A stroke, a motion or an element entered the tape.
     void elementAdded();
@@ -131,6 +132,8 @@ private:
     Tape* tape() const;
     void addInserted(TapeObject& element);
     TapeObjectPtr askSoundElement();
+    void insertNewText();
+    void startEditingNewText(StylusText& text);
     bool tapeIsIdle() const;
     void stopEditing();
     // Asks for a file with the chooser; false when the user cancelled.

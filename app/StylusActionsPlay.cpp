@@ -15,6 +15,7 @@
 #include "tape/StylusPause.h"
 #include "tape/StylusSound.h"
 #include "tape/StylusSpeech.h"
+#include "tape/StylusText.h"
 #include "tape/Tape.h"
 #include "tape/TapeHost.h"
 #include "tape/TapeMediaImport.h"
@@ -194,12 +195,32 @@ void StylusActions::insertElement(int32_t kind)
         if (!element)
             return;
         break;
+    case TextType:
+        insertNewText();
+        return;
     default:
         TapeHost::get().beep();
         return;
     }
     addInserted(*element);
 }
+
+// A new text stands in the middle of the page with its defaults, and the
+// user types over it in place.
+void StylusActions::insertNewText()
+{
+    StylusTextPtr text(new StylusText());
+    KGraphicSize pageSize = tape()->getPageSize();
+    if (pageSize.width <= 0 || pageSize.height <= 0)
+        pageSize = TapeHost::get().newDocumentPageSize();
+    text->placeCentred(pageSize);
+    addInserted(*text);
+    startEditingNewText(*text);
+}
+
+// The call point of the main window's in-place text editor: once it is
+// there, it opens on the new text (startEditText).
+void StylusActions::startEditingNewText(StylusText&) { }
 
 void StylusActions::addInserted(TapeObject& element)
 {

@@ -24,6 +24,7 @@
 #include "tape/TapeMediaName.h"
 #include "tape/TapeMediaPlay.h"
 #include "tape/TapePage.h"
+#include "windowing/KNativeLayer.h"
 
 #include <algorithm>
 #include <cmath>
@@ -55,6 +56,24 @@ int16_t clampShort(double value)
     if (std::isnan(value))
         return 0;
     return int16_t(std::clamp(std::lround(value), -32768L, 32767L));
+}
+
+// Where a rectangle of the page lands when the page's `from` is drawn into
+// `to`, scaled when their sizes differ.
+KGraphicRectangle mappedInto(const KGraphicRectangle& r, const KGraphicRectangle& from, const KGraphicRectangle& to)
+{
+    if (from.isEmpty() || (from.width == to.width && from.height == to.height)) {
+        KGraphicRectangle moved = r;
+        moved.offset(int16_t(to.x - from.x), int16_t(to.y - from.y));
+        return moved;
+    }
+    double sx = double(to.width) / from.width;
+    double sy = double(to.height) / from.height;
+    int16_t left = clampShort(to.x + (r.x - from.x) * sx);
+    int16_t top = clampShort(to.y + (r.y - from.y) * sy);
+    int16_t right = clampShort(to.x + (r.x + r.width - from.x) * sx);
+    int16_t bottom = clampShort(to.y + (r.y + r.height - from.y) * sy);
+    return KGraphicRectangle(left, top, int16_t(right - left), int16_t(bottom - top));
 }
 
 } // namespace
@@ -191,6 +210,18 @@ void StylusText::setEdited(bool value)
 
 bool StylusText::speaks() const { return speaksFlag || usesRecording; }
 
+void StylusText::placeCentred(const KGraphicSize& pageSize)
+{
+    constexpr int32_t kWidthPercent = 60;
+    int32_t pageWidth = std::max<int32_t>(1, pageSize.width);
+    int32_t pageHeight = std::max<int32_t>(1, pageSize.height);
+    auto width = int16_t(std::max(1, pageWidth * kWidthPercent / 100));
+    KTextBlockObjectPtr laid(new KTextBlockObject(*textBlock));
+    laid->setWidth(width);
+    auto height = int16_t(std::clamp(laid->getHeight(), 1, pageHeight));
+    setBounds(KGraphicRectangle(int16_t((pageWidth - width) / 2), int16_t((pageHeight - height) / 2), width, height));
+}
+
 // --- Drawing ----------------------------------------------------------------------
 
 KTextBlockObjectPtr StylusText::makeTextObject() const
@@ -216,9 +247,18 @@ void StylusText::drawOn(KGraphicDevice& device, const KGraphicRectangle& source,
 {
     if (edited)
         return;
-    KGraphicRectangle destination = movedLike(getBounds(), source, target);
+    drawMarked(device, source, target, -1, 0);
+}
+
+void StylusText::drawMarked(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target,
+                            int32_t start, int32_t length)
+{
+    KGraphicRectangle destination = mappedInto(getBounds(), source, target);
     drawBackground(device, destination);
-    makeTextObject()->drawIn(device, destination);
+    KTextBlockObjectPtr laid = makeTextObject();
+    if (start >= 0 && length > 0)
+        laid->setSelection(start, length);
+    laid->drawIn(device, destination);
 }
 
 void StylusText::drawOnPage()
@@ -234,7 +274,7 @@ void StylusText::drawOnPage()
 void StylusText::drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source,
                                  const KGraphicRectangle& target)
 {
-    KGraphicRectangle destination = movedLike(getBounds(), source, target);
+    KGraphicRectangle destination = mappedInto(getBounds(), source, target);
     drawBackground(device, destination);
     KTextBlockObjectPtr marked = makeTextObject();
     marked->setSelection(0, textBlock->getLength());
@@ -245,7 +285,7 @@ void StylusText::drawHighlighted(KGraphicDevice& device, const KGraphicRectangle
 // background moves as the rectangle of that background.
 void StylusText::drawSilhouette(KGraphicDevice& device, const KGraphicRectangle& from, const KGraphicRectangle& to)
 {
-    KGraphicRectangle destination = movedLike(getBounds(), from, to);
+    KGraphicRectangle destination = mappedInto(getBounds(), from, to);
     if (transparent) {
         KTextBlockObjectPtr shape = makeTextObject();
         shape->setTextColour(KColor(KColor::Black));
@@ -460,6 +500,7 @@ void StylusText::drawPendingMark(TapePage& page)
     wordPending = false;
     drawPlayingText(page, true);
     markShown = true;
+    markDrawnAt = knsGetTime();
     TapeHost::get().wordLit(*this, markStart, markLength);
 }
 
@@ -488,8 +529,11 @@ void StylusText::playStep()
     TapePage* page = getPage();
     if (page && marksWords && (wordPending || clearPending))
         drawPendingMark(*page);
-    if (!mediumStillReads())
-        finish(*tape);
+    if (mediumStillReads())
+        return;
+    if (markShown && kTimeDifference(knsGetTime(), markDrawnAt) < kLastWordMs)
+        return;
+    finish(*tape);
 }
 
 void StylusText::finish(Tape& tape)

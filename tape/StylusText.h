@@ -39,6 +39,9 @@ public:
     static constexpr double kDefaultVolume = 1.0;
     // The media's own speed, taken when the settings ask for none.
     static constexpr double kDefaultSpeed = 0.5;
+    // A voice tells its last word as its sound ends: the word stays lit at
+    // least this long before the text lets the tape go, so that it is seen.
+    static constexpr int32_t kLastWordMs = 300;
 
     // "New Text" in the default style, black on white, read aloud with its
     // words lit in yellow, the tape waiting for the end.
@@ -60,6 +63,10 @@ public:
     // Draws over the page in its bounds and refreshes them.
     void drawOnPage() override;
     void drawOn(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target) override;
+    // As drawOn, with the characters from `markStart`, `length` of them,
+    // marked in the mark colour as when they are read aloud.
+    void drawMarked(KGraphicDevice& device, const KGraphicRectangle& source, const KGraphicRectangle& target,
+                    int32_t start, int32_t length);
     // The whole text marked.
     void drawHighlighted(KGraphicDevice& device, const KGraphicRectangle& source,
                          const KGraphicRectangle& target) override;
@@ -89,6 +96,9 @@ public:
 
     // The place on the page; the same as setBounds.
     void setRect(const KGraphicRectangle& value) { setBounds(value); }
+    // Where a new text goes: centred on a page of the size, 60 % of its
+    // width wide and as high as the text laid out at that width.
+    void placeCentred(const KGraphicSize& pageSize);
 
     const KString& getVoice() const { return voice; }
     void setVoice(const KString& value);
@@ -182,8 +192,9 @@ private:
     KTextBlockObjectPtr textObject;
     bool wordPending = false;
     bool clearPending = false;
-    // A mark stands on the page.
+    // A mark stands on the page, since the time it was drawn.
     bool markShown = false;
+    uint32_t markDrawnAt = 0;
     int32_t markStart = -1;
     int32_t markLength = 0;
     int32_t firstMark = -1;

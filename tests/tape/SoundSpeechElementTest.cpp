@@ -188,7 +188,7 @@ TEST_F(SoundSpeechElementTest, SpeechSaysItsTextWithItsVoiceAndHoldsTheTapeUntil
     tape->startPlaying(0);
     tick();
     ASSERT_EQ(engine.script->requests.size(), 1u);
-    EXPECT_EQ(engine.script->requests[0].text, "Once upon a time");
+    EXPECT_EQ(engine.script->requests[0].text, "Once upon a time ");
     EXPECT_EQ(engine.script->requests[0].voice, "roa/fr");
     EXPECT_DOUBLE_EQ(engine.script->volume, 0.5);
     EXPECT_EQ(ticksHeld(*speech, 30), 30);

@@ -341,8 +341,15 @@ TEST_F(TextElementTest, TwoWordsBetweenTicksAreLitTogetherAndTheEndClearsTheMark
     EXPECT_EQ(words.words[1], std::make_pair(10, 5));
     expectColourOnlyIn(kYellow, shown->getCharacterBoxes(10, 5, text->getBounds()));
 
+    // The voice ends: its last word stays lit a moment before the text
+    // lets the tape go.
     engine.script->done = true;
-    EXPECT_EQ(ticksHeld(*text), 1);
+    tick();
+    EXPECT_EQ(tape->getPlayingObject(), text.get());
+    EXPECT_GT(countColour(*page, kYellow), 0);
+    int32_t held = 1 + ticksHeld(*text);
+    EXPECT_GE(held * Tape::kDefaultPlayInterval, StylusText::kLastWordMs - Tape::kDefaultPlayInterval);
+    EXPECT_LE(held * Tape::kDefaultPlayInterval, StylusText::kLastWordMs + Tape::kDefaultPlayInterval);
     ASSERT_EQ(words.words.size(), 3u);
     EXPECT_EQ(words.words[2].second, 0);
     EXPECT_EQ(countColour(*page, kYellow), 0);
@@ -493,6 +500,7 @@ TEST_F(TextElementTest, ARecordingLightsItsWordsByTheSoundsPositionAndWinsOverTh
     expectColourOnlyIn(kYellow, text->getTextObject()->getCharacterBoxes(8, 5, text->getBounds()));
 
     KFakeSound::advance(*sounds, 1.0);
+    layer.advance(1000);
     EXPECT_EQ(ticksHeld(*text), 1);
     ASSERT_EQ(words.words.size(), 3u);
     EXPECT_EQ(words.words[2].second, 0);
@@ -554,8 +562,9 @@ TEST_F(TextElementTest, DrawingScalesTheLayoutOfTheBoundsAndEditingHidesIt)
     // The background fills the bounds and nothing else.
     for (int32_t y = 0; y < kPageHeight; ++y) {
         for (int32_t x = 0; x < kPageWidth; ++x) {
-            if (pixel(*page, x, y) == kBlue)
+            if (pixel(*page, x, y) == kBlue) {
                 EXPECT_TRUE(text->getBounds().contains(KGraphicPoint(int16_t(x), int16_t(y))));
+            }
         }
     }
     EXPECT_GT(countColour(*page, kBlue), 0);

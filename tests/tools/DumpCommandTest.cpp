@@ -214,7 +214,7 @@ TEST_F(DumpCommand, UsageErrorsGiveTheUsageAndStatusTwo)
     const std::string all
         = usage
           + "usage: taleloom-tool info PROJECT.TPD\n"
-            "usage: taleloom-tool render PROJECT.TPD [--position N] [--size N] -o PAGE.png\n"
+            "usage: taleloom-tool render PROJECT.TPD [--position N] [--size N] [--lit E:S:L] -o PAGE.png\n"
             "usage: taleloom-tool trace STORY.TPD -o TRACE.json [--input click@MS] [--input key:K@MS] [--limit MS]\n"
             "usage: taleloom-tool voices [--language L]\n"
             "usage: taleloom-tool speak TEXT [--voice V] [--speed S] [--volume V] -o OUT.wav [--events]\n"

@@ -102,8 +102,8 @@ TEST_F(ProjectCommands, InfoListsTheElements)
     std::string expected = "{\n  \"width\": 160,\n  \"height\": 120,\n  \"position\": 5,\n  \"elementCount\": 5,\n"
                            "  \"elements\": ["
                            + describe(0, 2, "Stroke", true, "Opening") + "," + describe(1, 2, "Stroke", true, "") + ","
-                           + describe(2, 7, "WipeOut", true, "") + "," + describe(3, 2, "Stroke", true, "") + ","
-                           + describe(4, 2, "Stroke", false, "") + "\n  ]\n}\n";
+                           + describe(2, 7, "Page Transition", true, "") + "," + describe(3, 2, "Stroke", true, "")
+                           + "," + describe(4, 2, "Stroke", false, "") + "\n  ]\n}\n";
     EXPECT_EQ(run.out, expected);
     // Looking does not change the project's folder.
     EXPECT_FALSE(std::filesystem::exists(folder.file("story/Media")));
@@ -218,7 +218,8 @@ TEST(RenderSize, LongerSideTakesTheSizeAndTheOtherFollows)
 
 TEST_F(ProjectCommands, RenderExitCodes)
 {
-    const std::string usage = "usage: taleloom-tool render PROJECT.TPD [--position N] [--size N] -o PAGE.png\n";
+    const std::string usage
+        = "usage: taleloom-tool render PROJECT.TPD [--position N] [--size N] [--lit E:S:L] -o PAGE.png\n";
     std::string out = folder.file("out.png");
     for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>> {
              { "render" },

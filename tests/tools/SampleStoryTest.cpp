@@ -38,7 +38,8 @@ TEST(SampleStory, BundledFilesAreWhatTheGeneratorMakes)
     std::string project = std::string("/") + SampleStory::kProjectName;
     std::string actor = project + "/Actors/" + SampleStory::kActorName + ".ACT";
     std::string document = project + "/" + SampleStory::kProjectName + ".TPD";
-    for (const std::string& file : { document, actor }) {
+    std::string chime = project + "/Media/" + SampleStory::kChimeName;
+    for (const std::string& file : { document, actor, chime }) {
         std::vector<char> made = fileBytes(folder.path() + file);
         ASSERT_FALSE(made.empty()) << file;
         EXPECT_EQ(made, fileBytes(std::string(source) + "/data/samples" + file)) << file << " is out of date";

@@ -5,18 +5,28 @@
 #include "app/actors/ActorMotion.h"
 #include "app/actors/ActorSequence.h"
 #include "graphics/KColor.h"
+#include "graphics/KFont.h"
 #include "graphics/KGraphicPoint.h"
+#include "graphics/KTextBlock.h"
+#include "graphics/KTextStyle.h"
 #include "kernel/KDirectory.h"
 #include "kernel/KFileReference.h"
 #include "kernel/KPath.h"
 #include "kmultimedia/KAnimationVector.h"
+#include "kmultimedia/KWavWriter.h"
 #include "project/StylusProject.h"
 #include "tape/Stroke.h"
+#include "tape/StylusPause.h"
+#include "tape/StylusSound.h"
+#include "tape/StylusText.h"
 #include "tape/Tape.h"
+#include "tape/WaitObject.h"
 #include "tape/WipeOut.h"
 
+#include <cmath>
 #include <initializer_list>
 #include <utility>
+#include <vector>
 
 namespace SampleStory {
 
@@ -114,6 +124,53 @@ void addSecondPage(Tape& tape)
     tape.addElement(*stroke({ { 300, 360 }, { 300, 405 } }, 24, rgb(90, 50, 20)));
 }
 
+// The closing page: a text read aloud with its words lit, a chime, a
+// breath, and the story waits for a click.
+void addLastPage(Tape& tape)
+{
+    tape.addElement(*wipe(rgb(250, 236, 200), WipeOut::Fade));
+    StylusTextPtr text(new StylusText());
+    KTextStyle style(KFont(KString(KTextStyle::kDefaultFontName), 36.0), rgb(40, 40, 110));
+    text->setTextBlock(KTextBlock(KString(kClosingText), style, KTextBlock::AlignCentre));
+    text->setVoice(KString());
+    text->setTransparent(true);
+    text->setMarkColour(rgb(255, 230, 90));
+    text->setBounds(KGraphicRectangle(60, 150, 520, 140));
+    tape.addElement(*text);
+
+    StylusSoundPtr chime(new StylusSound());
+    chime->setFile(KFileReference(pathOf(std::string("/") + kProjectName + "/Media/" + kChimeName)));
+    tape.addElement(*chime);
+    StylusPausePtr breath(new StylusPause());
+    breath->setDuration(1000);
+    tape.addElement(*breath);
+    WaitObjectPtr click(new WaitObject());
+    click->setWaitForUser(true);
+    tape.addElement(*click);
+}
+
+// A soft bell: three partials of a note dying away, 16-bit mono.
+bool writeChime(const std::string& path)
+{
+    constexpr double kSeconds = 1.2;
+    constexpr double kPi = 3.14159265358979323846;
+    KWavFormat format;
+    auto count = size_t(kSeconds * format.sampleRate);
+    std::vector<int16_t> samples(count);
+    for (size_t i = 0; i < count; ++i) {
+        double t = double(i) / format.sampleRate;
+        double bell = 0.6 * std::sin(2 * kPi * 660.0 * t) + 0.3 * std::sin(2 * kPi * 990.0 * t)
+                      + 0.1 * std::sin(2 * kPi * 1320.0 * t);
+        double attack = std::min(1.0, t / 0.01);
+        samples[i] = int16_t(std::lround(9000.0 * attack * std::exp(-3.5 * t) * bell));
+    }
+    KWavWriter writer;
+    if (writer.open(path, format) != KWavWriter::Written)
+        return false;
+    writer.write(samples.data(), samples.size() * sizeof(int16_t));
+    return writer.close() == KWavWriter::Written;
+}
+
 } // namespace
 
 ActorPtr makeWalker()
@@ -140,6 +197,7 @@ TapePtr makeTape()
     addFirstPage(*tape);
     addWalk(*tape);
     addSecondPage(*tape);
+    addLastPage(*tape);
     return tape;
 }
 
@@ -157,6 +215,10 @@ bool write(const std::string& folder, std::string& reason)
             reason = "cannot make the folder " + projectFolder + "/" + sub;
             return false;
         }
+    }
+    if (!writeChime(projectFolder + "/Media/" + kChimeName)) {
+        reason = "cannot write the chime";
+        return false;
     }
     ActorPtr walker = makeWalker();
     KFileReference actorFile(pathOf(projectFolder + "/Actors/" + kActorName + ".ACT"));

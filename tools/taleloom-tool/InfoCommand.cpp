@@ -1,23 +1,43 @@
 #include "tools/taleloom-tool/InfoCommand.h"
 
-#include "kernel/KClass.h"
 #include "kernel/KJsonWriter.h"
+#include "kernel/KTextCodec.h"
 #include "project/StylusProject.h"
+#include "tape/StylusText.h"
+#include "tape/TapeGraphicObject.h"
 #include "tape/TapeObject.h"
 #include "tools/taleloom-tool/ToolProject.h"
+
+#include <algorithm>
 
 #include <ostream>
 
 namespace {
+
+// A text tells what it says, where, and how it is read; its lines are
+// joined by a line feed.
+void writeText(KJsonWriter& writer, const StylusText& text)
+{
+    std::string plain = KTextCodec::toUtf8(text.getPlainText());
+    std::replace(plain.begin(), plain.end(), KTextBlock::kLineBreak, '\n');
+    writer.member("text", std::string_view(plain));
+    tapeDescribeRectangle(writer, "bounds", text.getBounds());
+    writer.member("speaks", text.getSpeaks());
+    writer.member("usesRecording", text.getUsesRecording());
+    writer.member("marksWords", text.getMarksWords());
+    writer.member("waitForEnd", text.getWaitForEnd());
+}
 
 void writeElement(KJsonWriter& writer, int32_t index, const TapeObject& element)
 {
     writer.beginObject();
     writer.member("index", index);
     writer.member("type", element.getType());
-    writer.member("kind", element.getClass()->getName());
+    writer.member("kind", toolElementKind(element.getType()));
     writer.member("active", element.isActive());
     writer.member("bookmark", element.getBookmark());
+    if (const auto* text = dynamic_cast<const StylusText*>(&element))
+        writeText(writer, *text);
     writer.endObject();
 }
 

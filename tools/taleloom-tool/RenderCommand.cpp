@@ -5,6 +5,7 @@
 #include "graphics/KImage.h"
 #include "kernel/KTextCodec.h"
 #include "project/StylusProject.h"
+#include "tape/StylusText.h"
 #include "tools/taleloom-tool/ToolMessages.h"
 #include "tools/taleloom-tool/ToolProject.h"
 
@@ -20,6 +21,8 @@ struct RenderRequest {
     std::string output;
     int32_t position = -1;
     int32_t size = 0;
+    RenderMark mark;
+    bool marked = false;
 };
 
 // Digits only, and no larger than `largest`.
@@ -58,6 +61,10 @@ bool parseRequest(const std::vector<std::string>& arguments, RenderRequest& requ
         } else if (argument == "--size" && hasValue && request.size == 0) {
             if (!parseCount(arguments[++i], kLargestPictureSide, request.size) || request.size == 0)
                 return false;
+        } else if (argument == "--lit" && hasValue && !request.marked) {
+            request.marked = true;
+            if (!parseRenderMark(arguments[++i], request.mark))
+                return false;
         } else if (argument == "-o" && hasValue && request.output.empty()) {
             request.output = arguments[++i];
         } else if (request.project.empty() && !argument.empty() && argument[0] != '-') {
@@ -85,9 +92,18 @@ KPtr<SceneTapePage> makePageFor(Tape& tape, StylusProject& project, const std::s
     return page;
 }
 
+// The text lit over the page as the play shows it.
+void drawMark(Tape& tape, TapePage& page, const RenderMark& mark)
+{
+    auto* text = dynamic_cast<StylusText*>(tape.getAt(mark.element));
+    KGraphicRectangle bounds = text->getBounds();
+    text->drawMarked(page.getPageDevice(), bounds, bounds, mark.start, mark.length);
+    page.refresh(bounds);
+}
+
 // The page at the position, with the actors that stand there over it.
 bool drawPage(StylusProject& project, const std::string& path, int32_t position, KImage& picture,
-              std::vector<std::string>& warnings)
+              std::vector<std::string>& warnings, const RenderMark* mark)
 {
     Tape& tape = *project.getTape();
     KPtr<SceneTapePage> page = makePageFor(tape, project, path, warnings);
@@ -95,6 +111,8 @@ bool drawPage(StylusProject& project, const std::string& path, int32_t position,
     tape.getPageCache().setEnabled(false);
     tape.setPositionQuietly(position < 0 ? tape.getCount() : std::min(position, tape.getCount()));
     tape.rebuildPage();
+    if (mark)
+        drawMark(tape, *page, *mark);
     page->composeInto(picture);
     tape.clearSpriteSystem();
     return picture.hasImage();
@@ -107,7 +125,8 @@ int runRender(const std::vector<std::string>& arguments, std::ostream&, std::ost
         return toolUsageError(renderCommand(), err);
     std::string reason;
     std::vector<std::string> warnings;
-    bool done = renderProjectPage(request.project, request.position, request.output, reason, warnings, request.size);
+    bool done = renderProjectPage(request.project, request.position, request.output, reason, warnings, request.size,
+                                  request.marked ? &request.mark : nullptr);
     for (const std::string& warning : warnings)
         err << "taleloom-tool: warning: " << warning << '\n';
     if (!done)
@@ -117,7 +136,25 @@ int runRender(const std::vector<std::string>& arguments, std::ostream&, std::ost
 
 } // namespace
 
-ToolCommand renderCommand() { return { "render", "PROJECT.TPD [--position N] [--size N] -o PAGE.png", &runRender }; }
+ToolCommand renderCommand()
+{
+    return { "render", "PROJECT.TPD [--position N] [--size N] [--lit E:S:L] -o PAGE.png", &runRender };
+}
+
+bool parseRenderMark(const std::string& text, RenderMark& mark)
+{
+    size_t first = text.find(':');
+    size_t second = first == std::string::npos ? first : text.find(':', first + 1);
+    if (second == std::string::npos)
+        return false;
+    RenderMark parsed;
+    if (!parseCount(text.substr(0, first), INT32_MAX, parsed.element)
+        || !parseCount(text.substr(first + 1, second - first - 1), INT32_MAX, parsed.start)
+        || !parseCount(text.substr(second + 1), INT32_MAX, parsed.length))
+        return false;
+    mark = parsed;
+    return true;
+}
 
 KGraphicSize scaledPageSize(const KGraphicSize& page, int32_t longerSide)
 {
@@ -133,13 +170,18 @@ KGraphicSize scaledPageSize(const KGraphicSize& page, int32_t longerSide)
 }
 
 bool renderProjectPage(const std::string& path, int32_t position, const std::string& pngPath, std::string& reason,
-                       std::vector<std::string>& warnings, int32_t longerSide)
+                       std::vector<std::string>& warnings, int32_t longerSide, const RenderMark* mark)
 {
     StylusProjectPtr project(new StylusProject());
     if (!loadToolProject(path, *project, reason, warnings))
         return false;
+    Tape& tape = *project->getTape();
+    if (mark && (mark->element >= tape.getCount() || !dynamic_cast<StylusText*>(tape.getAt(mark->element)))) {
+        reason = path + ": element " + std::to_string(mark->element) + " is not a text";
+        return false;
+    }
     KImagePtr picture(new KImage());
-    if (!drawPage(*project, path, position, *picture, warnings)) {
+    if (!drawPage(*project, path, position, *picture, warnings, mark)) {
         reason = path + ": the page could not be drawn";
         return false;
     }

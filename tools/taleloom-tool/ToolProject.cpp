@@ -6,6 +6,7 @@
 #include "kernel/KFileReference.h"
 #include "kernel/KTextCodec.h"
 #include "project/StylusProject.h"
+#include "tape/TapeForward.h"
 #include "tools/taleloom-tool/ToolMessages.h"
 
 namespace {
@@ -40,4 +41,12 @@ bool loadToolProject(const std::string& path, StylusProject& project, std::strin
         warnings.push_back(path + ": " + message);
     project.setFileAndFolders(reference);
     return true;
+}
+
+const char* toolElementKind(int32_t type)
+{
+    static const char* const names[]
+        = { "None",        "Wait",  "Stroke", "Text",  "Speech",      "Pause", "Sound", "Page Transition",
+            "Relay Macro", "Movie", "Image",  "Actor", "Actor Motion" };
+    return type >= 0 && type <= ActorMotionType ? names[type] : "Unknown";
 }

@@ -2,6 +2,7 @@
 
 #include "project/ProjectForward.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -13,3 +14,7 @@
 // line starting with the path.
 bool loadToolProject(const std::string& path, StylusProject& project, std::string& reason,
                      std::vector<std::string>& warnings);
+
+// The name of an element's kind as the commands print it: the type table's
+// ("Text", "Page Transition"), "Actor Motion" for 12, "Unknown" outside.
+const char* toolElementKind(int32_t type);

@@ -112,7 +112,10 @@ public:
     bool isMouseButtonDown() override { return buttonDown; }
     void wordLit(TapeObject& element, int32_t wordStart, int32_t wordLength) override
     {
-        result.words.push_back({ indexOf(element), wordStart, wordLength, nowMs });
+        if (wordLength <= 0)
+            result.cleared.push_back({ indexOf(element), nowMs });
+        else
+            result.words.push_back({ indexOf(element), wordStart, wordLength, nowMs });
     }
 
     Tape* tape = nullptr;
@@ -381,14 +384,6 @@ int runTrace(const std::vector<std::string>& arguments, std::ostream&, std::ostr
     return kToolSucceeded;
 }
 
-const char* kindName(int32_t type)
-{
-    static const char* const names[]
-        = { "None",        "Wait",  "Stroke", "Text",  "Speech",      "Pause", "Sound", "Page Transition",
-            "Relay Macro", "Movie", "Image",  "Actor", "Actor Motion" };
-    return type >= 0 && type <= ActorMotionType ? names[type] : "Unknown";
-}
-
 void timeMember(KJsonWriter& writer, const char* name, int32_t ms)
 {
     writer.key(name);
@@ -460,7 +455,7 @@ std::string traceJson(const TraceResult& result)
         writer.beginObject();
         writer.member("index", element.index);
         writer.member("type", element.type);
-        writer.member("kind", kindName(element.type));
+        writer.member("kind", toolElementKind(element.type));
         timeMember(writer, "start", element.startMs);
         timeMember(writer, "end", element.endMs);
         writer.endObject();
@@ -474,6 +469,15 @@ std::string traceJson(const TraceResult& result)
         writer.member("wordStart", word.wordStart);
         writer.member("wordLength", word.wordLength);
         writer.member("time", word.timeMs);
+        writer.endObject();
+    }
+    writer.endArray();
+    writer.key("cleared");
+    writer.beginArray();
+    for (const TraceClear& clear : result.cleared) {
+        writer.beginObject();
+        writer.member("element", clear.element);
+        writer.member("time", clear.timeMs);
         writer.endObject();
     }
     writer.endArray();

@@ -10,8 +10,9 @@
 //
 // Plays the story without a display and without sound, on a clock that
 // moves by the tape's tick, so that a run is fast and the same every time,
-// and writes when each element started and ended and each word that a text
-// lit, in milliseconds of the story. Story time 0 is the first tick of the
+// and writes when each element started and ended, each word that a text
+// lit and each time a text took its mark away, in milliseconds of the
+// story. Story time 0 is the first tick of the
 // tape. Sounds take their length and speeches the length of what the voice
 // makes of them; movies play in real time. Input given with --input is
 // delivered at the first tick at or after its time, before the tape's step:
@@ -47,9 +48,16 @@ struct TraceWord {
     int32_t timeMs = 0;
 };
 
+// A text took its mark away: its reading ended or its medium said so.
+struct TraceClear {
+    int32_t element = -1;
+    int32_t timeMs = 0;
+};
+
 struct TraceResult {
     std::vector<TraceElement> elements;
     std::vector<TraceWord> words;
+    std::vector<TraceClear> cleared;
     std::vector<TraceInput> inputs;
     int32_t tickMs = 0;
     // The story time of the last tick.
