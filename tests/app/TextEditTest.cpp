@@ -245,3 +245,30 @@ TEST_F(TextEditTest, TheFieldsMenuTicksItsSelectionAndPostsTheChoiceWhileASecond
         layer.answerMessageBox(KNativeAnswer::No);
     });
 }
+
+TEST_F(TextEditTest, AnInsertedTextTakesTheDefaultsAndOpensForTypingAtOnce)
+{
+    runApp({}, [&](TestApplication& app) {
+        StylusWindow& window = *StylusWindow::current();
+        Tape& tape = *app.getProject()->getTape();
+        KFormatEventPtr chosen(new KFormatEvent());
+        chosen->setFontSize(36.0);
+        chosen->setFontStyle(KFont::Italic);
+        chosen->setBackgroundColor(KColor(KColor::Cyan));
+        processNow(chosen.get());
+        StylusActions::current()->insertElement(TextType);
+        ASSERT_EQ(tape.getCount(), 1);
+        auto& text = static_cast<StylusText&>(*tape.getCurrentElement());
+        ASSERT_EQ(window.getEditMode(), EditMode::Text);
+        EXPECT_EQ(runOf(text, 0, 0).getFont().getSize(), 36.0);
+        EXPECT_EQ(text.getBackColour().getRed(), 0);
+        // All of "New Text" is selected: typing replaces it.
+        typeChars("Once upon a time");
+        key(KVirtualKey::Escape);
+        EXPECT_EQ(text.getPlainText(), "Once upon a time");
+        EXPECT_EQ(runOf(text, 0, 0).getFont().getFace(), KFont::Italic);
+        EXPECT_EQ(runOf(text, 0, 0).getFont().getStyleFlags().getValue(), 2);
+        EXPECT_EQ(tape.getCount(), 1);
+        layer.answerMessageBox(KNativeAnswer::No);
+    });
+}
