@@ -509,8 +509,12 @@ void* KGtkNativeLayer::createControl(void* window, const KNativeControlSetup& se
             applyPicture(*handle, setup.picture);
         setControlValue(handle, setup.value);
     }
-    gtk_widget_set_size_request(handle->widget, setup.bounds.width, setup.bounds.height);
-    gtk_fixed_put(GTK_FIXED(windowHandle->fixed), handle->widget, setup.bounds.x, setup.bounds.y);
+    if (setup.kind == Kind::StyledText) {
+        kGtkPlaceStyledText(*handle, setup.bounds);
+    } else {
+        gtk_widget_set_size_request(handle->widget, setup.bounds.width, setup.bounds.height);
+        gtk_fixed_put(GTK_FIXED(windowHandle->fixed), handle->widget, setup.bounds.x, setup.bounds.y);
+    }
     gtk_widget_show_all(handle->widget);
     return handle;
 }
@@ -537,6 +541,10 @@ void KGtkNativeLayer::setControlBounds(void* control, const KNativeRect& bounds)
     KGtkControlHandle* handle = handleOf(control);
     if (!handle)
         return;
+    if (handle->kind == Kind::StyledText) {
+        kGtkPlaceStyledText(*handle, bounds);
+        return;
+    }
     gtk_widget_set_size_request(handle->widget, bounds.width, bounds.height);
     gtk_fixed_move(GTK_FIXED(handle->window->fixed), handle->widget, bounds.x, bounds.y);
 }

@@ -464,6 +464,44 @@ void typeKey(KGtkControlHandle& control, int32_t key)
 
 // --- Making -------------------------------------------------------------------------------
 
+namespace {
+
+constexpr const char* kBoundsKey = "taleloom-bounds";
+
+// The field stands over the page as an overlay of its own, in a window of
+// exactly its rectangle: the layer of controls lets the pointer through to
+// the page, and with it everything but input-only windows, which would
+// leave the text view without its clicks.
+gboolean onChildPosition(GtkOverlay*, GtkWidget* widget, GdkRectangle* allocation, gpointer data)
+{
+    auto* control = static_cast<KGtkControlHandle*>(data);
+    auto* bounds = static_cast<KNativeRect*>(g_object_get_data(G_OBJECT(widget), kBoundsKey));
+    if (widget != control->widget || !bounds)
+        return FALSE;
+    *allocation = { bounds->x, bounds->y, std::max(bounds->width, 1), std::max(bounds->height, 1) };
+    return TRUE;
+}
+
+} // namespace
+
+void kGtkPlaceStyledText(KGtkControlHandle& control, const KNativeRect& bounds)
+{
+    auto* kept = static_cast<KNativeRect*>(g_object_get_data(G_OBJECT(control.widget), kBoundsKey));
+    if (!kept) {
+        kept = new KNativeRect();
+        g_object_set_data_full(G_OBJECT(control.widget), kBoundsKey, kept,
+                               [](gpointer data) { delete static_cast<KNativeRect*>(data); });
+    }
+    *kept = bounds;
+    gtk_widget_set_size_request(control.widget, bounds.width, bounds.height);
+    GtkWidget* overlay = control.window->overlay;
+    if (!gtk_widget_get_parent(control.widget)) {
+        g_signal_connect(overlay, "get-child-position", G_CALLBACK(onChildPosition), &control);
+        gtk_overlay_add_overlay(GTK_OVERLAY(overlay), control.widget);
+    }
+    gtk_widget_queue_resize(overlay);
+}
+
 void kGtkSetStyledBackground(KGtkControlHandle& control, const KNativeColour& colour)
 {
     KGtkStyledState& state = *control.styled;
@@ -507,6 +545,8 @@ void kGtkDropStyledText(KGtkControlHandle& control)
     if (!control.styled)
         return;
     // The view may be gone already with its window.
+    if (control.window && control.window->overlay && control.widget)
+        g_signal_handlers_disconnect_by_data(control.window->overlay, &control);
     if (control.inner && control.widget) {
         g_signal_handlers_disconnect_by_data(control.inner, &control);
         g_signal_handlers_disconnect_by_data(bufferOf(control), &control);

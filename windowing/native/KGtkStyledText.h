@@ -16,3 +16,6 @@ GtkWidget* kGtkMakeStyledText(KGtkControlHandle& control, const KNativeControlSe
 // Lets go of what the handle keeps for its text.
 void kGtkDropStyledText(KGtkControlHandle& control);
 void kGtkSetStyledBackground(KGtkControlHandle& control, const KNativeColour& colour);
+// Puts the field at its rectangle of the window's client area (first
+// time) or moves it there.
+void kGtkPlaceStyledText(KGtkControlHandle& control, const KNativeRect& bounds);
