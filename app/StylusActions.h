@@ -134,6 +134,7 @@ private:
     TapeObjectPtr askSoundElement();
     void insertNewText();
     void startEditingNewText(StylusText& text);
+    void takeTextDefaults(StylusText& text);
     bool tapeIsIdle() const;
     void stopEditing();
     // Asks for a file with the chooser; false when the user cancelled.

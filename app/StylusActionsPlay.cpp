@@ -210,6 +210,7 @@ void StylusActions::insertElement(int32_t kind)
 void StylusActions::insertNewText()
 {
     StylusTextPtr text(new StylusText());
+    takeTextDefaults(*text);
     KGraphicSize pageSize = tape()->getPageSize();
     if (pageSize.width <= 0 || pageSize.height <= 0)
         pageSize = TapeHost::get().newDocumentPageSize();
@@ -218,9 +219,23 @@ void StylusActions::insertNewText()
     startEditingNewText(*text);
 }
 
-// The call point of the main window's in-place text editor: once it is
-// there, it opens on the new text (startEditText).
-void StylusActions::startEditingNewText(StylusText&) { }
+// The user types over the new text at once, all of it selected.
+void StylusActions::startEditingNewText(StylusText& text)
+{
+    if (StylusWindow* shown = window())
+        shown->startEditText(text);
+}
+
+// The style, background and alignment chosen last in the text format menu.
+void StylusActions::takeTextDefaults(StylusText& text)
+{
+    StylusApplication* application = StylusApplication::current();
+    if (!application)
+        return;
+    const TextDefaults& defaults = application->getTextDefaults();
+    text.setTextBlock(defaults.makeBlock(text.getPlainText()));
+    text.setBackColour(defaults.getBackColour());
+}
 
 void StylusActions::addInserted(TapeObject& element)
 {

@@ -27,9 +27,12 @@
 #include "windowing/KAlert.h"
 #include "windowing/KApplicationEvent.h"
 #include "windowing/KCursorManager.h"
+#include "windowing/KEditFieldControl.h"
 #include "windowing/KEvent.h"
+#include "windowing/KFormatEvent.h"
 #include "windowing/KMenuEvent.h"
 #include "windowing/KNativeLayer.h"
+#include "windowing/KTextFormatMenu.h"
 #include "windowing/KWindow.h"
 
 #include <cstdio>
@@ -119,6 +122,8 @@ void StylusApplication::doInit()
     settleDocumentFolder();
     registerFileTypes();
     startMediaManager();
+    formatMenu = kAdopt(new KTextFormatMenu());
+    textDefaults = TextDefaults();
     actions = kAdopt(new StylusActions());
     toolPalette = kAdopt(new ToolPalette());
     readCommandLine();
@@ -144,6 +149,36 @@ void StylusApplication::doInit()
     stateFile->install(*this);
     if (!documentGiven)
         scheduleStartupDialog();
+}
+
+KTextFormatMenu* StylusApplication::getFormatMenu() const { return formatMenu.get(); }
+
+KEventReturn StylusApplication::handleEvent(KEvent& event)
+{
+    if (!KFormatEvent::isFormatEvent(event))
+        return KApplication::handleEvent(event);
+    StylusWindow* window = StylusWindow::current();
+    if (KEditFieldControl* field = window ? window->getEditField() : nullptr) {
+        double size = 0;
+        if (KFormatEvent::getFontSize(event, size))
+            field->setFontSize(size);
+        KString face;
+        if (KFormatEvent::getFontFace(event, face))
+            field->setFontFace(face);
+        int32_t faceBits = 0;
+        if (KFormatEvent::getFontStyle(event, faceBits))
+            field->setFontStyle(faceBits);
+        KColor colour;
+        if (KFormatEvent::getFontColor(event, colour))
+            field->setTextColour(colour);
+        if (KFormatEvent::getBackgroundColor(event, colour))
+            field->setBackColour(colour);
+        int16_t alignment = 0;
+        if (KFormatEvent::getAlignment(event, alignment))
+            field->setAlignment(alignment);
+    }
+    textDefaults.take(event);
+    return 1;
 }
 
 void StylusApplication::readPreferences()
@@ -501,6 +536,7 @@ void StylusApplication::doExit()
         toolPalette.clear();
     }
     actions.clear();
+    formatMenu.clear();
     if (mediaManager) {
         mediaManager->closeMediaSupport();
         mediaManager.clear();

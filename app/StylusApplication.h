@@ -2,12 +2,14 @@
 
 #include "app/MainPreferences.h"
 #include "app/StylusModes.h"
+#include "app/TextDefaults.h"
 #include "graphics/KGraphicRectangle.h"
 #include "kernel/KDirectory.h"
 #include "kernel/KThingPtr.h"
 #include "kmultimedia/KMultimediaForward.h"
 #include "project/ProjectForward.h"
 #include "windowing/KApplication.h"
+#include "windowing/KWindowingForward.h"
 
 #include <cstdint>
 #include <memory>
@@ -46,6 +48,10 @@ public:
     KEventReturn doHelp(KMenuEvent& event) override;
     KEventReturn doAbout(KMenuEvent& event) override;
     int32_t fatalError(const char* title, const char* text) override;
+    // A format change (a "KFormatEvent" of type 8): each value it carries
+    // goes to the main window's open edit field, and always becomes the
+    // default for new text.
+    KEventReturn handleEvent(KEvent& event) override;
 
     ToolPalette* getToolPalette() const;
     StylusActions* getActions() const;
@@ -61,6 +67,14 @@ public:
     KGraphicSize newDocumentPageSize() const;
     // The run's screen form: the preference, or a switch of the command line.
     ScreenMode getScreenMode() const { return screenMode; }
+
+    // --- Text ----------------------------------------------------------------------
+    // What a new text starts with.
+    const TextDefaults& getTextDefaults() const { return textDefaults; }
+    TextDefaults& editTextDefaults() { return textDefaults; }
+    // The text format menu; its items are enabled only while a text is
+    // being edited.
+    KTextFormatMenu* getFormatMenu() const;
 
     // --- Screen ------------------------------------------------------------------
     void setFullScreen(bool fullScreen);
@@ -111,6 +125,8 @@ private:
     KPtr<ToolPalette> toolPalette;
     KPtr<StylusActions> actions;
     KMediaManagerPtr mediaManager;
+    KTextFormatMenuPtr formatMenu;
+    TextDefaults textDefaults;
     KSpeechExceptionHandlerPtr speechExceptions;
     std::unique_ptr<RecoveryCopy> recovery;
     std::unique_ptr<StateFile> stateFile;

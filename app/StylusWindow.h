@@ -9,6 +9,7 @@
 #include "tape/StrokeRecorder.h"
 #include "tape/TapeForward.h"
 #include "windowing/KWindow.h"
+#include "windowing/KWindowingForward.h"
 
 #include <memory>
 
@@ -158,9 +159,15 @@ public:
     void closeEditImage();
     void openEditMovie(StylusMovie& element);
     void closeEditMovie();
-    // The text editor is the text element's; the window keeps its mode.
-    void startEditText(TapeObject& element);
+    // Types over the text element in place: an edit field of styled text
+    // stands at its rectangle, all of it selected, and the text format
+    // menu works on it. Refused with an alert while another editor is open.
+    void startEditText(StylusText& element);
+    // The field's text and rectangle go back into the element; a text left
+    // without a visible character is taken off the tape.
     void stopEditText();
+    // The open edit field, or null.
+    KEditFieldControl* getEditField() const;
     // Places the actor of an "Enter", "Move" or "Jump" action.
     void startEditActorPosition(ActorAction& action);
     void stopEditActorPosition();
@@ -223,6 +230,7 @@ private:
     KPtr<Actor> motionActor;
     TapeObjectPtr edited;
     KImagePtr editPicture;
+    KEditFieldControlPtr editField;
     WindowMode windowMode = WindowMode::None;
     EditMode editMode = EditMode::None;
     int16_t savedBrushSize = 0;

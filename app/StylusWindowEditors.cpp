@@ -3,6 +3,7 @@
 
 #include "app/SceneTapePage.h"
 #include "app/StylusActions.h"
+#include "app/StylusApplication.h"
 #include "app/StylusTapeHost.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
@@ -15,10 +16,13 @@
 #include "kmultimedia/StylusSpriteSystem.h"
 #include "tape/StylusImage.h"
 #include "tape/StylusMovie.h"
+#include "tape/StylusText.h"
 #include "tape/Tape.h"
 #include "tape/TapeHost.h"
+#include "windowing/KEditFieldControl.h"
 #include "windowing/KNativeLayer.h"
 #include "windowing/KServices.h"
+#include "windowing/KTextFormatMenu.h"
 #include "windowing/KWindowManager.h"
 
 #include <algorithm>
@@ -57,11 +61,13 @@ bool StylusWindow::editElementAt(const KGraphicPoint& local)
         return false;
     TapeObject* element = tape->getCurrentElement();
     switch (element->getType()) {
-    case TextType:
-        if (!inflated(element->getBounds(), kEditSlop).contains(local))
+    case TextType: {
+        auto* text = dynamic_cast<StylusText*>(element);
+        if (!text || !inflated(element->getBounds(), kEditSlop).contains(local))
             return false;
-        startEditText(*element);
+        startEditText(*text);
         return true;
+    }
     case ImageType:
         if (!inflated(element->getBounds(), kEditSlop).contains(local))
             return false;
@@ -178,25 +184,94 @@ void StylusWindow::closeEditMovie()
 
 // --- Texts ---------------------------------------------------------------------------
 
-void StylusWindow::startEditText(TapeObject& element)
+void StylusWindow::startEditText(StylusText& element)
 {
     if (isEditing()) {
-        TapeHost::get().alert(kTranslate("TaleLoom"), kTranslate("EditField Already Open!"));
+        TapeHost::get().alert("StylusWindow::startEditText", kTranslate("EditField Already Open!"));
         return;
     }
+    if (!tape || !spriteSystem)
+        return;
+    KGraphicRectangle bounds = element.getBounds();
+    KGraphicPoint origin = spriteSystem->getOrigin();
+    editField = kAdopt(
+        new KEditFieldControl(0, KWideRectangle(bounds.x + origin.x, bounds.y + origin.y, bounds.width, bounds.height),
+                              KEditFieldControl::StyledText));
     hideBrush();
+    addControl(*editField);
+    editField->setTextBlock(element.getTextBlock());
+    editField->setBackColour(element.getBackColour());
+    editField->setFocus(true);
+    tape->setModified();
+    if (StylusApplication* application = StylusApplication::current()) {
+        if (KTextFormatMenu* menu = application->getFormatMenu()) {
+            menu->setEnabled(true);
+            editField->setFormatMenu(menu);
+        }
+    }
+    editField->selectAll();
     edited = element;
+    element.setEdited(true);
+    spriteSystem->startEdit(bounds, *editField);
     editMode = EditMode::Text;
+    redrawPage(true);
 }
+
+KEditFieldControl* StylusWindow::getEditField() const { return editField.get(); }
+
+namespace {
+
+// Blanks, tabs and line breaks show nothing; neither does a no-break space.
+bool hasVisibleCharacter(const KString& text)
+{
+    for (int32_t i = 0; i < text.getLength(); ++i) {
+        auto c = static_cast<unsigned char>(text.charAt(i));
+        if (c > ' ' && c != 0xA0)
+            return true;
+    }
+    return false;
+}
+
+} // namespace
 
 void StylusWindow::stopEditText()
 {
     if (editMode != EditMode::Text)
         return;
-    edited.clear();
+    StylusTextPtr element(dynamic_cast<StylusText*>(edited.get()));
+    KEditFieldControlPtr field = editField;
     editMode = EditMode::None;
-    redrawPage(true);
+    edited.clear();
+    editField.clear();
+    KGraphicRectangle placed = spriteSystem ? spriteSystem->endEdit() : KGraphicRectangle();
+    if (field) {
+        if (element) {
+            element->setTextBlock(field->getTextBlock());
+            element->setBackColour(field->getBackColour());
+        }
+        field->setFormatMenu(nullptr);
+        removeControl(*field);
+    }
+    if (StylusApplication* application = StylusApplication::current()) {
+        if (KTextFormatMenu* menu = application->getFormatMenu())
+            menu->setEnabled(false);
+    }
+    if (element && tape) {
+        element->setEdited(false);
+        int32_t index = tape->findIndexOf(*element);
+        if (!hasVisibleCharacter(element->getPlainText()) && index >= 0) {
+            tape->removeRange(index, index);
+        } else {
+            if (!placed.isEmpty())
+                element->setRect(placed);
+            tape->elementChanged(*element);
+            tape->setModified();
+            tape->invalidatePreviewsFrom(std::max(index, 0), false);
+        }
+    }
     updateBrushPosition();
+    redrawPage(true);
+    TapeHost::get().refreshThumbnails();
 }
 
 // --- Actor positions -------------------------------------------------------------------

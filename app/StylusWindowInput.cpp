@@ -8,6 +8,7 @@
 #include "app/actors/ActorMotion.h"
 #include "kmultimedia/StylusSpriteSystem.h"
 #include "tape/Tape.h"
+#include "windowing/KEditFieldControl.h"
 #include "windowing/KKeyEvent.h"
 #include "windowing/KMouseEvent.h"
 #include "windowing/KWindowManager.h"
@@ -330,11 +331,13 @@ KEventReturn StylusWindow::doKeyDown(KKeyEvent& event)
     return 0;
 }
 
-// The text editor takes every key while it is open.
+// The text editor takes every key while it is open; Escape ends it.
 KEventReturn StylusWindow::keyWhileEditing(KKeyEvent& event)
 {
     if (event.getKeyCode() == KKeyEvent::Escape)
         stopEditing();
+    else if (editField)
+        editField->doKeyDown(event);
     return 1;
 }
 

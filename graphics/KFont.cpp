@@ -163,3 +163,5 @@ bool KFont::readRecord(KFile& file)
 }
 
 void KFont::readFromFile(KFile& file) { readRecord(file); }
+
+bool KFont::isFamilyInstalled(const KString& family) { return kFontFamilyResolves(kGraphicsTextToUtf8(family)); }

@@ -69,6 +69,10 @@ public:
 
     KNativeFont* getNativeFont() const;
 
+    // Whether the family is installed, or a stand-in made for it: names
+    // that only reach the fallback font are not.
+    static bool isFamilyInstalled(const KString& family);
+
 private:
     void clearNative();
 

@@ -61,6 +61,14 @@ void KNativeLayer::setControlColour(void*, const KNativeColour&) { }
 void KNativeLayer::setControlPicture(void*, const KNativeImageData&) { }
 bool KNativeLayer::controlValue(void*, double&) { return false; }
 bool KNativeLayer::controlText(void*, std::string&) { return false; }
+void KNativeLayer::setControlStyledText(void*, const KNativeStyledText&) { }
+bool KNativeLayer::controlStyledText(void*, KNativeStyledText&) { return false; }
+void KNativeLayer::selectControlText(void*, int32_t, int32_t) { }
+bool KNativeLayer::controlSelection(void*, int32_t&, int32_t&) { return false; }
+void KNativeLayer::changeControlTextStyle(void*, const KNativeStyleChange&) { }
+void KNativeLayer::sendControlKey(void*, int32_t, int32_t) { }
+void KNativeLayer::focusControl(void*) { }
+int32_t KNativeLayer::popUpMenu(void*, const std::vector<KNativeMenuItem>&, int32_t, int32_t) { return 0; }
 
 void KNativeLayer::setCursorShape(KCursorShape) { }
 void KNativeLayer::setCursorVisible(bool) { }

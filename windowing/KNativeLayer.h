@@ -88,6 +88,28 @@ public:
     virtual bool controlValue(void* control, double& value);
     virtual bool controlText(void* control, std::string& text);
 
+    // --- Styled text -----------------------------------------------------------
+    // The text of a StyledText control, with its styles; loading it
+    // selects nothing and puts the caret at the start.
+    virtual void setControlStyledText(void* control, const KNativeStyledText& text);
+    virtual bool controlStyledText(void* control, KNativeStyledText& text);
+    // The selection in character positions of the styled text; a length of
+    // 0 is the bare caret. Out-of-range values are clipped.
+    virtual void selectControlText(void* control, int32_t start, int32_t length);
+    virtual bool controlSelection(void* control, int32_t& start, int32_t& length);
+    virtual void changeControlTextStyle(void* control, const KNativeStyleChange& change);
+    // A key the framework hands to a control that takes keys: a character
+    // (32 to 255) or one of the key codes of KKeyEvent (Return, Backspace,
+    // Delete, the arrows, Home, End).
+    virtual void sendControlKey(void* control, int32_t key, int32_t modifiers);
+    // The keyboard goes to the control.
+    virtual void focusControl(void* control);
+
+    // --- Menus -------------------------------------------------------------------
+    // Shows the menu at a point of the window's client area and waits for
+    // the user: the chosen item's number, or 0 when the menu was dismissed.
+    virtual int32_t popUpMenu(void* window, const std::vector<KNativeMenuItem>& items, int32_t x, int32_t y);
+
     // --- Pointer ------------------------------------------------------------
     // The longest time between two presses of a double click, and the
     // distance within which they count as one place.

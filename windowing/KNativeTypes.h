@@ -67,6 +67,70 @@ enum class KNativeControlKind : int32_t {
     List = 10,
     ColourSwatch = 11,
     Picture = 12,
+    // Several lines of text in runs of styles, over the page: no border.
+    StyledText = 13,
+};
+
+// The look of a stretch of styled text: a family (in the framework's
+// 8-bit set), a size in points, the face bits of KFont (1 bold, 2 italic,
+// 4 underline) and the colour.
+struct KNativeTextStyle {
+    std::string family;
+    double size = 24;
+    int32_t face = 0;
+    KNativeColour colour;
+
+    bool operator==(const KNativeTextStyle& other) const
+    {
+        return family == other.family && size == other.size && face == other.face && colour.red == other.colour.red
+               && colour.green == other.colour.green && colour.blue == other.colour.blue;
+    }
+};
+
+struct KNativeStyledRun {
+    int32_t length = 0;
+    KNativeTextStyle style;
+};
+
+// Styled text as a field holds it: the characters with the lines joined
+// by one CR each, the runs covering them exactly one after the other (a
+// line break takes the style of the line it ends, so that an empty line
+// keeps one), and the alignment of the whole (KTextBlock's numbers). Empty
+// text has one run of length 0: the style that typing starts with.
+struct KNativeStyledText {
+    std::string text;
+    std::vector<KNativeStyledRun> runs;
+    int32_t alignment = 0;
+};
+
+// A change of style for the selected characters, or for what will be
+// typed at the caret when nothing is selected: each part whose flag is
+// set. The face bits in `faceMask` take their values from `face`. The
+// alignment is the whole text's.
+struct KNativeStyleChange {
+    bool setFamily = false;
+    std::string family;
+    bool setSize = false;
+    double size = 0;
+    int32_t faceMask = 0;
+    int32_t face = 0;
+    bool setColour = false;
+    KNativeColour colour;
+    bool setAlignment = false;
+    int32_t alignment = 0;
+};
+
+// An item of a pop-up menu: a command with its number (never 0), a
+// separator, or a sub-menu of the children. A check item shows a tick
+// when `checked`.
+struct KNativeMenuItem {
+    int32_t id = 0;
+    std::string text;
+    bool enabled = true;
+    bool checkable = false;
+    bool checked = false;
+    bool separator = false;
+    std::vector<KNativeMenuItem> children;
 };
 
 // The numbers of a control whose value lies between bounds: a spin field,
@@ -110,13 +174,17 @@ struct KNativeControlSetup {
     int32_t textLimit = 0;
     KNativeColour colour;
     KNativeImageData picture;
+    // The text of a styled text field; its background is `colour`.
+    KNativeStyledText styledText;
 };
 
 // Notification codes of a Command record from a control (param1): a
-// press, a change of the value the user made, and a choice confirmed (a
-// double click or Return on a list item).
+// press, a change of the value the user made, a choice confirmed (a
+// double click or Return on a list item), and a request for the control's
+// own menu (a right click, the menu key), whose screen position is the
+// record's x and y.
 namespace KControlNotification {
-enum : int32_t { Clicked = 0, Changed = 1, Activated = 2 };
+enum : int32_t { Clicked = 0, Changed = 1, Activated = 2, ContextMenu = 3 };
 }
 
 // The cursor shapes the cursor manager asks for.

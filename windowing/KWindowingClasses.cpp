@@ -20,8 +20,10 @@
 #include "windowing/KDialogHandler.h"
 #include "windowing/KDragObject.h"
 #include "windowing/KDragObjectsLayer.h"
+#include "windowing/KEditFieldControl.h"
 #include "windowing/KEntryNativeControl.h"
 #include "windowing/KEvent.h"
+#include "windowing/KFormatEvent.h"
 #include "windowing/KInteractiveElement.h"
 #include "windowing/KKeyEvent.h"
 #include "windowing/KKeyboardManager.h"
@@ -40,6 +42,7 @@
 #include "windowing/KSliderNativeControl.h"
 #include "windowing/KSpinFieldNativeControl.h"
 #include "windowing/KStaticTextNativeControl.h"
+#include "windowing/KTextFormatMenu.h"
 #include "windowing/KTimer.h"
 #include "windowing/KTimerManager.h"
 #include "windowing/KWindow.h"
@@ -85,6 +88,8 @@ void kRegisterWindowingClasses()
     KMultiLineTextNativeControl::registerClass();
     KColourSwatchNativeControl::registerClass();
     KPictureNativeControl::registerClass();
+    KEditFieldControl::registerClass();
+    KTextFormatMenu::registerClass();
     KCursorManager::registerClass();
     KKeyboardManager::registerClass();
     KClipboardManager::registerClass();
@@ -102,10 +107,11 @@ void kRegisterWindowingClasses()
     KApplicationEvent::registerClass();
     KActionEvent::registerClass();
     KControlActionEvent::registerClass();
+    KFormatEvent::registerClass();
     registerRoot("KErrorHandler");
-    for (KClass* live :
-         { KWindow::classRecord, KWindowManager::classRecord, KInteractiveElement::classRecord,
-           KCursorManager::classRecord, KKeyboardManager::classRecord, KClipboardManager::classRecord,
-           KDialogHandler::classRecord, KApplication::classRecord, KTimerManager::classRecord, KEvent::classRecord })
+    for (KClass* live : { KWindow::classRecord, KWindowManager::classRecord, KInteractiveElement::classRecord,
+                          KCursorManager::classRecord, KKeyboardManager::classRecord, KClipboardManager::classRecord,
+                          KDialogHandler::classRecord, KApplication::classRecord, KTimerManager::classRecord,
+                          KEvent::classRecord, KTextFormatMenu::classRecord })
         live->setTransient();
 }

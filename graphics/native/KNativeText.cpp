@@ -66,6 +66,39 @@ KNativeFont* kCreateNativeFont(const std::string& familyUtf8, double points, int
     return reinterpret_cast<KNativeFont*>(d);
 }
 
+namespace {
+
+// The family of the font that fontconfig gives for the name.
+std::string resolvedFamily(const char* family)
+{
+    PangoFontDescription* wanted = pango_font_description_new();
+    pango_font_description_set_family(wanted, family);
+    pango_font_description_set_size(wanted, 12 * PANGO_SCALE);
+    PangoFont* font = pango_font_map_load_font(pango_cairo_font_map_get_default(), measuringContext(), wanted);
+    pango_font_description_free(wanted);
+    if (!font)
+        return {};
+    PangoFontDescription* found = pango_font_describe(font);
+    const char* name = pango_font_description_get_family(found);
+    std::string result = name ? name : "";
+    pango_font_description_free(found);
+    g_object_unref(font);
+    return result;
+}
+
+} // namespace
+
+bool kFontFamilyResolves(const std::string& familyUtf8)
+{
+    if (familyUtf8.empty())
+        return false;
+    static const std::string fallback = resolvedFamily("TaleLoom No Such Family");
+    std::string found = resolvedFamily(familyUtf8.c_str());
+    if (found.empty())
+        return false;
+    return found != fallback || g_ascii_strcasecmp(found.c_str(), familyUtf8.c_str()) == 0;
+}
+
 void kDisposeNativeFont(KNativeFont* font)
 {
     if (font)

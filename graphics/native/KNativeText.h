@@ -12,6 +12,9 @@ typedef struct _PangoLayout PangoLayout;
 // description; family names such as "Arial" resolve through fontconfig.
 
 KNativeFont* kCreateNativeFont(const std::string& familyUtf8, double points, int32_t face);
+// Whether fontconfig finds the family or a stand-in made for it (Arial's
+// metric twin), rather than the fallback every unknown name gets.
+bool kFontFamilyResolves(const std::string& familyUtf8);
 void kDisposeNativeFont(KNativeFont* font);
 
 // A layout of the text in the font, on the context; styles of `face` that

@@ -1,5 +1,6 @@
 #include "windowing/KEventTranslator.h"
 #include "windowing/native/KGtkNativeLayer.h"
+#include "windowing/native/KGtkStyledText.h"
 #include "windowing/native/KGtkText.h"
 #include "windowing/native/KGtkWindowHandle.h"
 
@@ -292,6 +293,8 @@ GtkWidget* makeWidget(KGtkControlHandle& control, const KNativeControlSetup& set
         return makeSwatch(control);
     case Kind::Picture:
         return makePicture(control);
+    case Kind::StyledText:
+        return kGtkMakeStyledText(control, setup);
     default:
         return makeButton(control, text);
     }
@@ -506,8 +509,12 @@ void* KGtkNativeLayer::createControl(void* window, const KNativeControlSetup& se
             applyPicture(*handle, setup.picture);
         setControlValue(handle, setup.value);
     }
-    gtk_widget_set_size_request(handle->widget, setup.bounds.width, setup.bounds.height);
-    gtk_fixed_put(GTK_FIXED(windowHandle->fixed), handle->widget, setup.bounds.x, setup.bounds.y);
+    if (setup.kind == Kind::StyledText) {
+        kGtkPlaceStyledText(*handle, setup.bounds);
+    } else {
+        gtk_widget_set_size_request(handle->widget, setup.bounds.width, setup.bounds.height);
+        gtk_fixed_put(GTK_FIXED(windowHandle->fixed), handle->widget, setup.bounds.x, setup.bounds.y);
+    }
     gtk_widget_show_all(handle->widget);
     return handle;
 }
@@ -518,6 +525,7 @@ void KGtkNativeLayer::destroyControl(void* control)
     auto* handle = static_cast<KGtkControlHandle*>(control);
     if (!handle)
         return;
+    kGtkDropStyledText(*handle);
     if (handle->widget) {
         disconnect(*handle);
         g_object_remove_weak_pointer(G_OBJECT(handle->widget), reinterpret_cast<gpointer*>(&handle->widget));
@@ -533,6 +541,10 @@ void KGtkNativeLayer::setControlBounds(void* control, const KNativeRect& bounds)
     KGtkControlHandle* handle = handleOf(control);
     if (!handle)
         return;
+    if (handle->kind == Kind::StyledText) {
+        kGtkPlaceStyledText(*handle, bounds);
+        return;
+    }
     gtk_widget_set_size_request(handle->widget, bounds.width, bounds.height);
     gtk_fixed_move(GTK_FIXED(handle->window->fixed), handle->widget, bounds.x, bounds.y);
 }
@@ -653,6 +665,10 @@ void KGtkNativeLayer::setControlTextLimit(void* control, int32_t limit)
 void KGtkNativeLayer::setControlColour(void* control, const KNativeColour& colour)
 {
     KGtkControlHandle* handle = handleOf(control);
+    if (handle && handle->kind == Kind::StyledText && handle->styled) {
+        kGtkSetStyledBackground(*handle, colour);
+        return;
+    }
     if (!handle || handle->kind != Kind::ColourSwatch)
         return;
     handle->colour = colour;

@@ -120,7 +120,8 @@ bool isReturn(guint keyval)
 bool offerToFocusControl(KGtkWindowHandle* handle, GdkEventKey* event)
 {
     GtkWidget* focus = gtk_window_get_focus(GTK_WINDOW(handle->window));
-    if (!focus || focus == handle->area || !gtk_widget_is_ancestor(focus, handle->fixed))
+    // A styled text field stands over the page beside the layer of controls.
+    if (!focus || focus == handle->area || !gtk_widget_is_ancestor(focus, handle->overlay))
         return false;
     guint keyval = event->keyval;
     if (keyval == GDK_KEY_Tab || keyval == GDK_KEY_ISO_Left_Tab || keyval == GDK_KEY_KP_Tab || keyval == GDK_KEY_Escape)

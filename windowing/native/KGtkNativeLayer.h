@@ -55,6 +55,14 @@ public:
     void setControlPicture(void* control, const KNativeImageData& picture) override;
     bool controlValue(void* control, double& value) override;
     bool controlText(void* control, std::string& text) override;
+    void setControlStyledText(void* control, const KNativeStyledText& text) override;
+    bool controlStyledText(void* control, KNativeStyledText& text) override;
+    void selectControlText(void* control, int32_t start, int32_t length) override;
+    bool controlSelection(void* control, int32_t& start, int32_t& length) override;
+    void changeControlTextStyle(void* control, const KNativeStyleChange& change) override;
+    void sendControlKey(void* control, int32_t key, int32_t modifiers) override;
+    void focusControl(void* control) override;
+    int32_t popUpMenu(void* window, const std::vector<KNativeMenuItem>& items, int32_t x, int32_t y) override;
 
     int32_t doubleClickTime() const override;
     int32_t doubleClickDistance() const override;

@@ -9,6 +9,7 @@
 #include <map>
 
 class KGtkNativeLayer;
+struct KGtkStyledState;
 
 // What a window handle of the GTK layer is: the widgets of one KWindow and
 // what its signal handlers remember between calls.
@@ -53,6 +54,8 @@ struct KGtkControlHandle {
     int32_t textLimit = 0;
     KNativeColour colour;
     cairo_surface_t* picture = nullptr;
+    // What a styled text field keeps beside its buffer.
+    KGtkStyledState* styled = nullptr;
 };
 
 // A number typed into a spin field counts only once GTK reads it (on

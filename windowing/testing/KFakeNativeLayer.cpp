@@ -250,6 +250,8 @@ void* KFakeNativeLayer::createControl(void* window, const KNativeControlSetup& s
     control->textLimit = setup.textLimit;
     control->colour = setup.colour;
     control->picture = setup.picture;
+    if (setup.kind == KNativeControlKind::StyledText)
+        control->styled.load(setup.styledText);
     madeControls.push_back(std::move(control));
     return madeControls.back().get();
 }
@@ -277,6 +279,8 @@ void KFakeNativeLayer::destroyControl(void* handle)
 {
     if (auto* control = const_cast<Control*>(controlOf(handle)))
         control->alive = false;
+    if (focus == handle)
+        focus = nullptr;
 }
 
 void KFakeNativeLayer::setControlBounds(void* handle, const KNativeRect& bounds)
@@ -355,6 +359,106 @@ bool KFakeNativeLayer::controlText(void* handle, std::string& text)
         return false;
     text = control->text;
     return true;
+}
+
+// --- Styled text -------------------------------------------------------------------
+
+namespace {
+
+bool isStyled(const KFakeNativeLayer::Control* control)
+{
+    return control && control->setup.kind == KNativeControlKind::StyledText;
+}
+
+} // namespace
+
+void KFakeNativeLayer::setControlStyledText(void* handle, const KNativeStyledText& text)
+{
+    Control* control = liveControl(handle);
+    if (isStyled(control))
+        control->styled.load(text);
+}
+
+bool KFakeNativeLayer::controlStyledText(void* handle, KNativeStyledText& text)
+{
+    Control* control = liveControl(handle);
+    if (!isStyled(control))
+        return false;
+    text = control->styled.read();
+    return true;
+}
+
+void KFakeNativeLayer::selectControlText(void* handle, int32_t start, int32_t length)
+{
+    Control* control = liveControl(handle);
+    if (isStyled(control))
+        control->styled.select(start, length);
+}
+
+bool KFakeNativeLayer::controlSelection(void* handle, int32_t& start, int32_t& length)
+{
+    Control* control = liveControl(handle);
+    if (!isStyled(control))
+        return false;
+    start = control->styled.selectionStart();
+    length = control->styled.selectionLength();
+    return true;
+}
+
+void KFakeNativeLayer::changeControlTextStyle(void* handle, const KNativeStyleChange& change)
+{
+    Control* control = liveControl(handle);
+    if (isStyled(control))
+        control->styled.change(change);
+}
+
+void KFakeNativeLayer::sendControlKey(void* handle, int32_t key, int32_t)
+{
+    Control* control = usableControl(handle);
+    if (isStyled(control))
+        control->styled.key(key);
+}
+
+void KFakeNativeLayer::focusControl(void* handle)
+{
+    if (usableControl(handle))
+        focus = handle;
+}
+
+bool KFakeNativeLayer::typeStyledText(void* handle, const std::string& text)
+{
+    Control* control = usableControl(handle);
+    if (!isStyled(control) || focus != handle)
+        return false;
+    control->styled.type(text);
+    return true;
+}
+
+bool KFakeNativeLayer::rightClickControl(void* handle, int32_t x, int32_t y)
+{
+    Control* control = usableControl(handle);
+    if (!control)
+        return false;
+    KNativeRecord record;
+    record.window = windowOf(control->window)->owner;
+    record.message = KNativeMessage::Command;
+    record.param1 = KControlNotification::ContextMenu;
+    record.param2 = control->setup.tag;
+    record.time = clock;
+    record.x = x;
+    record.y = y;
+    kksDeliverNativeRecord(record);
+    return true;
+}
+
+int32_t KFakeNativeLayer::popUpMenu(void* window, const std::vector<KNativeMenuItem>& items, int32_t x, int32_t y)
+{
+    shownMenus.push_back({ window, items, x, y });
+    if (menuAnswers.empty())
+        return 0;
+    int32_t answer = menuAnswers.front();
+    menuAnswers.pop_front();
+    return answer;
 }
 
 KFakeNativeLayer::Control* KFakeNativeLayer::liveControl(void* handle)

@@ -2,6 +2,7 @@
 
 #include "windowing/KNativeLayer.h"
 #include "windowing/KNativeRecord.h"
+#include "windowing/testing/KFakeStyledText.h"
 
 #include <deque>
 #include <functional>
@@ -51,6 +52,15 @@ public:
         int32_t textLimit = 0;
         KNativeColour colour;
         KNativeImageData picture;
+        // The text of a StyledText control.
+        KFakeStyledText styled;
+    };
+    // A pop-up menu as it was shown.
+    struct Menu {
+        void* window = nullptr;
+        std::vector<KNativeMenuItem> items;
+        int32_t x = 0;
+        int32_t y = 0;
     };
     // What a chooser answers: a path, or a cancel.
     struct ChooserAnswer {
@@ -97,6 +107,14 @@ public:
     void setControlPicture(void* control, const KNativeImageData& picture) override;
     bool controlValue(void* control, double& value) override;
     bool controlText(void* control, std::string& text) override;
+    void setControlStyledText(void* control, const KNativeStyledText& text) override;
+    bool controlStyledText(void* control, KNativeStyledText& text) override;
+    void selectControlText(void* control, int32_t start, int32_t length) override;
+    bool controlSelection(void* control, int32_t& start, int32_t& length) override;
+    void changeControlTextStyle(void* control, const KNativeStyleChange& change) override;
+    void sendControlKey(void* control, int32_t key, int32_t modifiers) override;
+    void focusControl(void* control) override;
+    int32_t popUpMenu(void* window, const std::vector<KNativeMenuItem>& items, int32_t x, int32_t y) override;
     int32_t doubleClickTime() const override { return doubleClickMs; }
     int32_t doubleClickDistance() const override { return doubleClickPixels; }
     void setCursorShape(KCursorShape shape) override { cursorShapeValue = shape; }
@@ -170,6 +188,17 @@ public:
     // A double click on an item of a list: the item is chosen, and an
     // Activated record follows.
     bool activateControlItem(void* control, int32_t index);
+    // The user types into a styled text control that has the keyboard, at
+    // its caret; CR or LF breaks the line.
+    bool typeStyledText(void* control, const std::string& text);
+    // A right click on a control: it asks for its menu at the screen point.
+    bool rightClickControl(void* control, int32_t x, int32_t y);
+    // The control that has the keyboard, or null.
+    void* focusedControl() const { return focus; }
+    // Answers (item numbers) of the next pop-up menus; without one a menu
+    // is dismissed.
+    void answerPopUpMenu(int32_t item) { menuAnswers.push_back(item); }
+    const std::vector<Menu>& popUpMenus() const { return shownMenus; }
 
     void setScreenSize(int32_t width, int32_t height);
     void setDoubleClick(int32_t milliseconds, int32_t pixels);
@@ -250,6 +279,9 @@ private:
     std::vector<KNativeChooserRequest> choosers;
     int32_t colourAsks = 0;
     std::deque<int32_t> boxAnswers;
+    std::deque<int32_t> menuAnswers;
+    std::vector<Menu> shownMenus;
+    void* focus = nullptr;
     std::vector<KNativeAlertRequest> shownAlerts;
     int32_t beeps = 0;
     std::string slotName;
