@@ -1,6 +1,11 @@
 #include "app/StylusApplication.h"
 
 #include "app/AppClasses.h"
+#include "app/KSoundHiliteEditorDialog.h"
+#include "app/KSoundHiliteLoadDialog.h"
+#include "app/KSoundHiliteStrip.h"
+#include "app/KSpeechExceptionAddDialog.h"
+#include "app/KSpeechExceptionsDialog.h"
 #include "app/NewProjectDialog.h"
 #include "app/ProjectFiles.h"
 #include "app/RecoveryCopy.h"
@@ -105,6 +110,11 @@ void StylusApplication::registerClasses()
     StylusActions::registerClass()->setTransient();
     StartupDialog::registerClass();
     NewProjectDialog::registerClass();
+    KSpeechExceptionsDialog::registerClass();
+    KSpeechExceptionAddDialog::registerClass();
+    KSoundHiliteEditorDialog::registerClass();
+    KSoundHiliteLoadDialog::registerClass();
+    KSoundHiliteStrip::registerClass();
 }
 
 // --- Start --------------------------------------------------------------------
@@ -195,6 +205,7 @@ void StylusApplication::registerFileTypes()
     KFileTypeHandler::makeAssociation("STT", uiText("TaleLoom Document - Old Version"), "YTAP", "YINP");
     KFileTypeHandler::makeAssociation("SCP", uiText("TaleLoom Color Palette"), "SLXP", "SLOX");
     KFileTypeHandler::makeAssociation("ACT", uiText("TaleLoom Actor"), "SLXA", "SLOX");
+    KFileTypeHandler::makeAssociation("SHI", uiText("TaleLoom Sound Highlight"), "SLXH", "SLOX");
 }
 
 void StylusApplication::startMediaManager()
