@@ -131,6 +131,8 @@ void KSoundHiliteEditorDialog::open(OpenMode mode, int32_t standardButtons)
     if (!pollTimer) {
         pollTimer = kAdopt(new KTimer());
         pollTimer->setInterval(kPollInterval);
+        pollTimer->setRepeat(true);
+        pollTimer->setMode(KTimer::Relative);
         pollTimer->setTarget(this);
     }
     showMarkers();

@@ -46,6 +46,7 @@ public:
     // sound's length is `duration`, or measured when 0.
     void prepare(const KString& text, const KDirectory& mediaFolder, const KSoundHiliteMedia* existing,
                  int32_t duration);
+    using KDialog::open;
     void open(OpenMode mode, int32_t standardButtons) override;
     void close() override;
     KEventReturn doDialogAction(int32_t buttonId) override;

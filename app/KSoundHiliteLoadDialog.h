@@ -19,6 +19,7 @@ public:
     ~KSoundHiliteLoadDialog() override;
 
     void prepare(const std::vector<KString>& names);
+    using KDialog::open;
     void open(OpenMode mode, int32_t standardButtons) override;
     KEventReturn doDialogAction(int32_t buttonId) override;
 

@@ -137,7 +137,8 @@ bool KSoundHiliteStrip::pressAt(int32_t viewX, bool adding)
         return false;
     if (!adding)
         clearSelection();
-    int32_t hit = markerAt(viewX + offset);
+    pressedX = viewX + offset;
+    int32_t hit = markerAt(pressedX);
     if (hit < 0)
         return false;
     media->getMarkerAt(hit)->setSelected(true);
@@ -159,7 +160,7 @@ void KSoundHiliteStrip::dragTo(int32_t viewX)
     int32_t lowest = dragged > 0 ? media->getMarkerAt(dragged - 1)->getElapsedTime() + 1 : 0;
     int32_t highest
         = dragged + 1 < media->getMarkerCount() ? media->getMarkerAt(dragged + 1)->getElapsedTime() - 1 : duration;
-    if (lowest > highest)
+    if (lowest > highest || viewX + offset == pressedX)
         return;
     int32_t time = std::clamp(timeOfX(viewX + offset), lowest, highest);
     KSoundHiliteMarker& marker = *media->getMarkerAt(dragged);
@@ -199,8 +200,8 @@ void KSoundHiliteStrip::render(KGraphicDevice& device, int32_t left, int32_t top
     device.fillRectangle(rectangle(left, top, width, kHeight), KColor(KColor::White));
     if (!media || duration <= 0)
         return;
-    KFont font(KString(kFontName), kFontSize);
-    device.setFont(font);
+    KFontPtr font(new KFont(KString(kFontName), kFontSize));
+    device.setFont(*font);
     // Markers stand in time order, so the strip pixels rise with the index.
     for (int32_t i = 0; i < media->getMarkerCount(); ++i) {
         int32_t x = xOfTime(media->getMarkerAt(i)->getElapsedTime());
@@ -208,7 +209,7 @@ void KSoundHiliteStrip::render(KGraphicDevice& device, int32_t left, int32_t top
             break;
         if (x + kBoxLeft + kWidestBox < offset)
             continue;
-        drawMarker(device, font, *media->getMarkerAt(i), left + x - offset, top, left + width);
+        drawMarker(device, *font, *media->getMarkerAt(i), left + x - offset, top, left + width);
     }
     device.clearFont();
 }
@@ -238,7 +239,6 @@ KEventReturn KSoundHiliteStrip::doMouseUp(KMouseEvent& event)
 {
     if (dragged < 0)
         return 0;
-    dragTo(viewXOf(event));
     release();
     return 1;
 }

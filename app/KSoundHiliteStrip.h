@@ -83,4 +83,7 @@ private:
     int32_t duration = 0;
     int32_t offset = 0;
     int32_t dragged = -1;
+    // The strip pixel pressed: the marker moves only once the mouse leaves
+    // it, so a click does not shift it by the rounding of a pixel.
+    int32_t pressedX = 0;
 };

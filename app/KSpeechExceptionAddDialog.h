@@ -37,6 +37,7 @@ public:
     // Editing shows "Edit Exception" and the entry's forms. `taken` are the
     // written forms already in the list, the edited one left out.
     void prepare(const KString& written, const KString& spoken, bool editing, const std::vector<KString>& taken);
+    using KDialog::open;
     void open(OpenMode mode, int32_t standardButtons) override;
     void close() override;
     KEventReturn doDialogAction(int32_t buttonId) override;

@@ -23,6 +23,7 @@ public:
 
     // Takes a copy of the handler's entries.
     void prepare(KSpeechExceptionHandler& handler);
+    using KDialog::open;
     void open(OpenMode mode, int32_t standardButtons) override;
     KEventReturn doDialogAction(int32_t buttonId) override;
     KEventReturn doControlAction(KControlActionEvent& event) override;

@@ -27,6 +27,7 @@
 #include "kernel/KTextCodec.h"
 #include "kmultimedia/KMediaManager.h"
 #include "kmultimedia/KSpeechExceptionHandler.h"
+#include "kmultimedia/KSpeechSupport.h"
 #include "project/StylusProject.h"
 #include "tape/Tape.h"
 #include "windowing/KAlert.h"
@@ -213,6 +214,9 @@ void StylusApplication::startMediaManager()
     if (KMediaManager::current())
         return;
     mediaManager = kAdopt(new KMediaManager());
+    // Speeches load only through an open speech support: it lists the
+    // voices and chooses the default one.
+    mediaManager->setSupport(KMediaManager::SpeechSupport, new KSpeechSupport());
     mediaManager->setUp(7);
     // The one exceptions dictionary every speech of the stories rewrites
     // its text through; it reads the user's file once here.

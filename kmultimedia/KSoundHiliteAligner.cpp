@@ -30,7 +30,7 @@ KSoundHiliteAligner::LevelReaderFactory& levelReaderFactory()
 
 // The engine reads far faster than it speaks; a text it has not read in
 // this time is not read at all.
-constexpr auto kSynthesisLimit = std::chrono::seconds(60);
+constexpr auto kSynthesisLimit = std::chrono::seconds(30);
 
 // Collects the words of a speech's feedback.
 class WordCollector : public KThing {
