@@ -14,6 +14,7 @@
 #include <atomic>
 #include <chrono>
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 #include <map>
 #include <system_error>
@@ -94,26 +95,24 @@ double pauseLikeness(int32_t a, int32_t b)
     return std::min(x, y) / std::max(x, y);
 }
 
-// Pairs the words that follow a pause in the reading with the onsets of
-// the recording, in order, so that the pairs score most together: each
-// pair scores by its closeness in time and by the likeness of the pauses.
-std::vector<Snap> pairPauses(const std::vector<double>& scaled, const std::vector<int32_t>& readingPause,
-                             const std::vector<Onset>& onsets, int32_t window)
+// Pairs the given words with the given onsets, in order, so that the pairs
+// score most together: each pair scores by its closeness in time and by
+// the likeness of the pauses before the word in the reading and before the
+// onset in the recording.
+std::vector<Snap> pairInOrder(const std::vector<double>& estimated, const std::vector<int32_t>& readingPause,
+                              const std::vector<Onset>& onsets, const std::vector<int32_t>& words,
+                              const std::vector<int32_t>& candidates, int32_t window)
 {
-    std::vector<int32_t> words;
-    for (size_t i = 0; i < scaled.size(); ++i) {
-        if (readingPause[i] > 0)
-            words.push_back(int32_t(i));
-    }
     size_t rows = words.size();
-    size_t columns = onsets.size();
+    size_t columns = candidates.size();
     if (rows == 0 || columns == 0)
         return {};
     auto score = [&](size_t a, size_t b) {
-        double distance = std::fabs(scaled[size_t(words[a])] - onsets[b].time);
+        const Onset& onset = onsets[size_t(candidates[b])];
+        double distance = std::fabs(estimated[size_t(words[a])] - onset.time);
         if (distance >= window)
             return 0.0;
-        double likeness = pauseLikeness(readingPause[size_t(words[a])], onsets[b].quietBefore);
+        double likeness = pauseLikeness(readingPause[size_t(words[a])], onset.quietBefore);
         return (1.0 - distance / window) * (0.25 + 0.75 * likeness);
     };
     std::vector<double> best((rows + 1) * (columns + 1), 0.0);
@@ -128,7 +127,7 @@ std::vector<Snap> pairPauses(const std::vector<double>& scaled, const std::vecto
     for (size_t a = rows, b = columns; a > 0 && b > 0;) {
         double paired = score(a - 1, b - 1);
         if (paired > 0.0 && at(a, b) == at(a - 1, b - 1) + paired) {
-            pairs.push_back({ words[a - 1], int32_t(b - 1) });
+            pairs.push_back({ words[a - 1], candidates[b - 1] });
             --a;
             --b;
         } else if (at(a, b) == at(a - 1, b)) {
@@ -138,6 +137,71 @@ std::vector<Snap> pairPauses(const std::vector<double>& scaled, const std::vecto
         }
     }
     std::reverse(pairs.begin(), pairs.end());
+    return pairs;
+}
+
+// The first words of sentences with the onsets after the longest quiet
+// stretches of the recording, in order: a reader pauses at a full stop
+// longer than inside a sentence, however the pace drifts. The first word of
+// the text goes with the first sound. A pair far from where the word was
+// estimated is left out.
+std::vector<Snap> pairSentences(const std::vector<double>& estimated, const std::vector<bool>& sentenceStarts,
+                                const std::vector<Onset>& onsets, double farthest)
+{
+    std::vector<Snap> pairs;
+    if (onsets.empty() || estimated.empty())
+        return pairs;
+    pairs.push_back({ 0, 0 });
+    std::vector<int32_t> starts;
+    for (size_t i = 1; i < sentenceStarts.size() && i < estimated.size(); ++i) {
+        if (sentenceStarts[i])
+            starts.push_back(int32_t(i));
+    }
+    std::vector<int32_t> longest;
+    for (int32_t j = 1; j < int32_t(onsets.size()); ++j)
+        longest.push_back(j);
+    if (starts.empty() || longest.size() < starts.size())
+        return pairs;
+    std::stable_sort(longest.begin(), longest.end(), [&](int32_t a, int32_t b) {
+        return onsets[size_t(a)].quietBefore > onsets[size_t(b)].quietBefore;
+    });
+    longest.resize(starts.size());
+    std::sort(longest.begin(), longest.end());
+    for (size_t k = 0; k < starts.size(); ++k) {
+        const Onset& onset = onsets[size_t(longest[k])];
+        if (std::fabs(estimated[size_t(starts[k])] - onset.time) <= farthest)
+            pairs.push_back({ starts[k], longest[k] });
+    }
+    return pairs;
+}
+
+// Pairs the words that follow a pause in the reading with the onsets
+// between each two fixed pairs.
+std::vector<Snap> pairPauses(const std::vector<double>& estimated, const std::vector<int32_t>& readingPause,
+                             const std::vector<Onset>& onsets, const std::vector<Snap>& fixed, int32_t window)
+{
+    std::vector<Snap> pairs;
+    int32_t markerFrom = 0;
+    int32_t onsetFrom = 0;
+    auto between = [&](int32_t markerTo, int32_t onsetTo) {
+        std::vector<int32_t> words;
+        for (int32_t i = markerFrom; i < markerTo; ++i) {
+            if (readingPause[size_t(i)] > 0)
+                words.push_back(i);
+        }
+        std::vector<int32_t> candidates;
+        for (int32_t j = onsetFrom; j < onsetTo; ++j)
+            candidates.push_back(j);
+        for (const Snap& pair : pairInOrder(estimated, readingPause, onsets, words, candidates, window))
+            pairs.push_back(pair);
+    };
+    for (const Snap& anchor : fixed) {
+        between(anchor.marker, anchor.onset);
+        pairs.push_back(anchor);
+        markerFrom = anchor.marker + 1;
+        onsetFrom = anchor.onset + 1;
+    }
+    between(int32_t(estimated.size()), int32_t(onsets.size()));
     return pairs;
 }
 
@@ -260,6 +324,43 @@ std::vector<double> placeAll(const std::vector<int32_t>& spoken, const Pacing& p
     std::vector<double> times;
     for (int32_t read : spoken)
         times.push_back(pacing.heardAt(read));
+    return times;
+}
+
+// How many stretches of each level held sound before each stretch.
+std::vector<int32_t> soundSoFar(const KSoundLevels& levels, float quiet)
+{
+    std::vector<int32_t> sums(levels.decibels.size() + 1, 0);
+    for (size_t i = 0; i < levels.decibels.size(); ++i)
+        sums[i + 1] = sums[i] + (levels.decibels[i] >= quiet ? 1 : 0);
+    return sums;
+}
+
+// Where each word of the reading falls in the recording when the two are
+// matched by the sound they hold rather than by the clock: a reader's
+// pauses differ from the engine's far more than the pace of the speech
+// does, so the same share of speech is heard at about the same word. A word
+// that begins after a pause lands at the sound after the recording's pause
+// at that point. Empty without the levels of both.
+std::vector<double> bySpeech(const std::vector<int32_t>& spoken, const KSoundLevels& reading,
+                             const KSoundLevels& recording, const KSoundHiliteAligner::Settings& settings)
+{
+    if (reading.decibels.empty() || recording.decibels.empty() || reading.intervalMs <= 0 || recording.intervalMs <= 0)
+        return {};
+    std::vector<int32_t> read = soundSoFar(reading, KSoundHiliteAligner::quietLevel(reading, settings));
+    std::vector<int32_t> heard = soundSoFar(recording, KSoundHiliteAligner::quietLevel(recording, settings));
+    if (read.back() == 0 || heard.back() == 0)
+        return {};
+    double ratio = double(heard.back()) / double(read.back());
+    std::vector<double> times;
+    for (int32_t time : spoken) {
+        size_t frame = std::clamp<size_t>(size_t(std::max(time, 0) / reading.intervalMs), 0, read.size() - 1);
+        auto share = int32_t(std::lround(read[frame] * ratio));
+        // The first stretch of the recording after `share` stretches of
+        // sound, which is itself sound.
+        auto at = std::upper_bound(heard.begin(), heard.end(), std::min(share, heard.back() - 1));
+        times.push_back(double(at - heard.begin() - 1) * recording.intervalMs);
+    }
     return times;
 }
 
@@ -394,9 +495,23 @@ std::vector<int32_t> KSoundHiliteAligner::spokenTimes(const std::vector<KSoundHi
     return times;
 }
 
+std::vector<bool> KSoundHiliteAligner::sentenceStarts(const std::vector<KSoundHiliteMarkerPtr>& markers)
+{
+    std::vector<bool> starts(markers.size(), false);
+    for (size_t i = 1; i < markers.size(); ++i) {
+        const KString& before = markers[i - 1]->getText();
+        int32_t end = before.getLength();
+        // Closing quotes and brackets may follow the mark.
+        while (end > 0 && std::strchr("\"')]", before[end - 1]))
+            --end;
+        starts[i] = end > 0 && std::strchr(".!?", before[end - 1]) != nullptr;
+    }
+    return starts;
+}
+
 std::vector<int32_t> KSoundHiliteAligner::align(const std::vector<int32_t>& spoken, const KSoundLevels& reading,
                                                 const KSoundLevels& recording, int32_t duration,
-                                                const Settings& settings)
+                                                const Settings& settings, const std::vector<bool>& sentenceStarts)
 {
     std::vector<int32_t> times;
     if (spoken.empty() || duration <= 0)
@@ -415,9 +530,11 @@ std::vector<int32_t> KSoundHiliteAligner::align(const std::vector<int32_t>& spok
         heardLast = duration;
     }
     double scale = readLast > readFirst ? double(heardLast - heardFirst) / double(readLast - readFirst) : 1.0;
-    std::vector<double> scaled;
-    for (int32_t time : spoken)
-        scaled.push_back(heardFirst + (time - readFirst) * scale);
+    std::vector<double> scaled = bySpeech(spoken, reading, recording, settings);
+    if (scaled.empty()) {
+        for (int32_t time : spoken)
+            scaled.push_back(heardFirst + (time - readFirst) * scale);
+    }
 
     // The pause before each word in the reading; without the reading's
     // levels every word may follow one.
@@ -430,10 +547,16 @@ std::vector<int32_t> KSoundHiliteAligner::align(const std::vector<int32_t>& spok
         }
     }
     std::vector<Onset> onsets = findOnsets(recording, settings);
-    std::vector<Snap> pairs = pairPauses(scaled, readingPause, onsets, settings.windowMs);
     Point first { double(readFirst), double(heardFirst) };
     Point last { double(readLast), double(heardLast) };
-    std::vector<double> placed = placeAll(spoken, pace(spoken, readingPause, pairs, onsets, first, last, scale));
+    // The sentences first, then the pauses within them, then the rest.
+    std::vector<Snap> sentences
+        = pairSentences(scaled, sentenceStarts, onsets, std::max(2.0 * settings.windowMs, duration * 0.15));
+    std::vector<double> placed
+        = sentences.empty() ? scaled
+                            : placeAll(spoken, pace(spoken, readingPause, sentences, onsets, first, last, scale));
+    std::vector<Snap> pairs = pairPauses(placed, readingPause, onsets, sentences, settings.windowMs);
+    placed = placeAll(spoken, pace(spoken, readingPause, pairs, onsets, first, last, scale));
     snapTheRest(placed, onsets, settings.snapMs, pairs);
     placed = placeAll(spoken, pace(spoken, readingPause, pairs, onsets, first, last, scale));
     for (double time : placed)
@@ -506,7 +629,7 @@ KSoundHiliteAligner::Result KSoundHiliteAligner::update(KSoundHiliteMedia& media
     // Without the reading's own levels its extent comes from its words.
     if (!reader->read(rendered.path, settings.intervalMs, reading.levels))
         reading.levels = KSoundLevels();
-    std::vector<int32_t> times = align(spoken, reading.levels, heard, duration, settings);
+    std::vector<int32_t> times = align(spoken, reading.levels, heard, duration, settings, sentenceStarts(markers));
     media.clearMarkers();
     for (size_t i = 0; i < markers.size(); ++i) {
         markers[i]->setElapsedTime(times[i]);

@@ -10,14 +10,19 @@
 #include <string>
 #include <vector>
 
-// Places the markers of a sound highlight from the voice itself: the text
-// is read by the speech engine, whose word times, stretched over the
-// stretch of the recording that holds sound, say roughly where each word
-// begins; then each marker moves to the nearest onset of sound in the
-// recording (the level rising out of a quiet stretch) within a window
-// around that time. A word that finds no onset is placed between the
-// snapped words around it, as the engine's reading paces it. Markers never
-// cross and stay at least 1 ms apart.
+// Places the markers of a sound highlight from the voice itself. The speech
+// engine reads the text into a file, which says when each word begins in a
+// reading and where that reading pauses. The reading is laid over the
+// recording by the sound the two hold (a reader's pauses differ from the
+// engine's more than the pace of the speech does), and markers then move to
+// onsets of sound in the recording (the level rising out of a quiet
+// stretch): first the words that begin sentences, to the onsets after the
+// recording's longest pauses, in order; then, between those, the words the
+// engine read after a pause, to the onsets nearest to them, in order,
+// preferring pauses of like length; then any other word that has an onset
+// very close. The words between are paced as the reading paces them, over
+// the sound between the pauses rather than over the pauses. Markers never
+// cross and stay at least 1 ms apart, within the sound.
 class KSoundHiliteAligner {
 public:
     struct Settings {
@@ -81,10 +86,15 @@ public:
     // Empty when it reported none of them.
     static std::vector<int32_t> spokenTimes(const std::vector<KSoundHiliteMarkerPtr>& markers,
                                             const std::vector<SpokenWord>& spoken);
+    // Which markers begin a sentence: those after a word that ends in a
+    // full stop, a question or an exclamation mark.
+    static std::vector<bool> sentenceStarts(const std::vector<KSoundHiliteMarkerPtr>& markers);
     // The markers' times in a recording of `duration` milliseconds, from
-    // their times in the reading.
+    // their times in the reading. The first words of sentences (when told)
+    // go first to the onsets after the recording's longest pauses.
     static std::vector<int32_t> align(const std::vector<int32_t>& spoken, const KSoundLevels& reading,
-                                      const KSoundLevels& recording, int32_t duration, const Settings& settings);
+                                      const KSoundLevels& recording, int32_t duration, const Settings& settings,
+                                      const std::vector<bool>& sentenceStarts = {});
 
     // Has the engine read the text with the voice and speed (0 to 1) into a
     // WAV file at the path, as fast as it makes it, through the speech
