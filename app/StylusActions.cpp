@@ -1,5 +1,6 @@
 #include "app/StylusActions.h"
 
+#include "app/KSpeechExceptionsDialog.h"
 #include "app/NewProjectDialog.h"
 #include "app/ProjectFiles.h"
 #include "app/StylusApplication.h"
@@ -429,6 +430,12 @@ void StylusActions::doSaveColors()
     KFileReference file;
     if (askSaveFile(file, uiText("Save Colors"), uiText("Color Palette") + ".SCP", fileTypeOf("SCP")))
         hookTable.saveColors(file);
+}
+
+void StylusActions::doSpeechExceptions()
+{
+    stopEditing();
+    KSpeechExceptionsDialog::run();
 }
 
 bool StylusActions::findMediaFile(KFileReference& file)

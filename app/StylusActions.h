@@ -103,6 +103,8 @@ public:
     void loadColorsFrom(const KFileReference& file);
     void doSaveColors();
     bool findMediaFile(KFileReference& file);
+    // The speech exceptions dictionary in its dialog.
+    void doSpeechExceptions();
 
     // --- Play ------------------------------------------------------------------------
     void play(bool fromPosition, bool fullScreen, bool quitAfter);

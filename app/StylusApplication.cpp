@@ -1,6 +1,11 @@
 #include "app/StylusApplication.h"
 
 #include "app/AppClasses.h"
+#include "app/KSoundHiliteEditorDialog.h"
+#include "app/KSoundHiliteLoadDialog.h"
+#include "app/KSoundHiliteStrip.h"
+#include "app/KSpeechExceptionAddDialog.h"
+#include "app/KSpeechExceptionsDialog.h"
 #include "app/NewProjectDialog.h"
 #include "app/ProjectFiles.h"
 #include "app/RecoveryCopy.h"
@@ -22,6 +27,7 @@
 #include "kernel/KTextCodec.h"
 #include "kmultimedia/KMediaManager.h"
 #include "kmultimedia/KSpeechExceptionHandler.h"
+#include "kmultimedia/KSpeechSupport.h"
 #include "project/StylusProject.h"
 #include "tape/Tape.h"
 #include "windowing/KAlert.h"
@@ -108,6 +114,11 @@ void StylusApplication::registerClasses()
     StylusActions::registerClass()->setTransient();
     StartupDialog::registerClass();
     NewProjectDialog::registerClass();
+    KSpeechExceptionsDialog::registerClass();
+    KSpeechExceptionAddDialog::registerClass();
+    KSoundHiliteEditorDialog::registerClass();
+    KSoundHiliteLoadDialog::registerClass();
+    KSoundHiliteStrip::registerClass();
 }
 
 // --- Start --------------------------------------------------------------------
@@ -230,6 +241,7 @@ void StylusApplication::registerFileTypes()
     KFileTypeHandler::makeAssociation("STT", uiText("TaleLoom Document - Old Version"), "YTAP", "YINP");
     KFileTypeHandler::makeAssociation("SCP", uiText("TaleLoom Color Palette"), "SLXP", "SLOX");
     KFileTypeHandler::makeAssociation("ACT", uiText("TaleLoom Actor"), "SLXA", "SLOX");
+    KFileTypeHandler::makeAssociation("SHI", uiText("TaleLoom Sound Highlight"), "SLXH", "SLOX");
 }
 
 void StylusApplication::startMediaManager()
@@ -237,6 +249,9 @@ void StylusApplication::startMediaManager()
     if (KMediaManager::current())
         return;
     mediaManager = kAdopt(new KMediaManager());
+    // Speeches load only through an open speech support: it lists the
+    // voices and chooses the default one.
+    mediaManager->setSupport(KMediaManager::SpeechSupport, new KSpeechSupport());
     mediaManager->setUp(7);
     // The one exceptions dictionary every speech of the stories rewrites
     // its text through; it reads the user's file once here.

@@ -165,6 +165,10 @@ struct KNativeControlSetup {
     bool isDefault = false;
     // The choices of a radio group, a pop-up list or a list.
     std::vector<std::string> items;
+    // The headings of a list of several columns; each of its items then
+    // holds its cells separated by tabs. A list without headings has one
+    // column and no heading row.
+    std::vector<std::string> columns;
     // A check box's state (0 or 1), the chosen item's index (-1 for none),
     // or the number of a ranged control.
     double value = 0;

@@ -14,7 +14,7 @@ public:
     {
         script->requests.push_back(request);
         script->positionMs = 0;
-        script->done = false;
+        script->done = script->speaksAtOnce;
         unread = script->words;
         return true;
     }

@@ -15,6 +15,9 @@ public:
         std::vector<KSpeechRawWord> words; // reported when speaking starts
         int32_t positionMs = 0;
         bool done = false;
+        // Each speech is done as soon as it starts, as a rendering into a
+        // file is to the one who waits for it.
+        bool speaksAtOnce = false;
         bool paused = false;
         double volume = 1.0;
         std::vector<KSpeechRequest> requests;

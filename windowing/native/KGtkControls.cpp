@@ -203,14 +203,23 @@ GtkWidget* makePopUpList(KGtkControlHandle& control)
     return combo;
 }
 
-GtkWidget* makeList(KGtkControlHandle& control)
+// A list of several columns shows their headings; its items hold their
+// cells separated by tabs.
+GtkWidget* makeList(KGtkControlHandle& control, const std::vector<std::string>& headings)
 {
-    GtkListStore* store = gtk_list_store_new(1, G_TYPE_STRING);
+    gint count = std::max<gint>(1, gint(headings.size()));
+    std::vector<GType> types(size_t(count), G_TYPE_STRING);
+    GtkListStore* store = gtk_list_store_newv(count, types.data());
     control.inner = gtk_tree_view_new_with_model(GTK_TREE_MODEL(store));
     g_object_unref(store);
     GtkTreeView* view = GTK_TREE_VIEW(control.inner);
-    gtk_tree_view_set_headers_visible(view, FALSE);
-    gtk_tree_view_insert_column_with_attributes(view, -1, "", gtk_cell_renderer_text_new(), "text", 0, nullptr);
+    gtk_tree_view_set_headers_visible(view, headings.empty() ? FALSE : TRUE);
+    for (gint column = 0; column < count; ++column) {
+        std::string title = headings.empty() ? std::string() : kToUtf8(headings[size_t(column)].c_str());
+        gtk_tree_view_insert_column_with_attributes(view, -1, title.c_str(), gtk_cell_renderer_text_new(), "text",
+                                                    column, nullptr);
+        gtk_tree_view_column_set_resizable(gtk_tree_view_get_column(view, column), TRUE);
+    }
     GtkTreeSelection* selection = gtk_tree_view_get_selection(view);
     gtk_tree_selection_set_mode(selection, GTK_SELECTION_SINGLE);
     g_signal_connect(selection, "changed", G_CALLBACK(onChanged), &control);
@@ -288,7 +297,7 @@ GtkWidget* makeWidget(KGtkControlHandle& control, const KNativeControlSetup& set
     case Kind::ScrollBar:
         return makeRanged(control, setup);
     case Kind::List:
-        return makeList(control);
+        return makeList(control, setup.columns);
     case Kind::ColourSwatch:
         return makeSwatch(control);
     case Kind::Picture:
@@ -352,8 +361,20 @@ void fillList(KGtkControlHandle& control, const std::vector<std::string>& items)
 {
     GtkListStore* store = listStore(control);
     gtk_list_store_clear(store);
-    for (const std::string& item : items)
-        gtk_list_store_insert_with_values(store, nullptr, -1, 0, kToUtf8(item.c_str()).c_str(), -1);
+    gint columns = gtk_tree_model_get_n_columns(GTK_TREE_MODEL(store));
+    for (const std::string& item : items) {
+        GtkTreeIter row;
+        gtk_list_store_append(store, &row);
+        size_t from = 0;
+        for (gint column = 0; column < columns; ++column) {
+            // One column takes the item whole, tabs and all.
+            size_t tab = columns > 1 ? item.find('\t', from) : std::string::npos;
+            std::string cell
+                = from <= item.size() ? item.substr(from, tab == std::string::npos ? tab : tab - from) : "";
+            gtk_list_store_set(store, &row, column, kToUtf8(cell.c_str()).c_str(), -1);
+            from = tab == std::string::npos ? item.size() + 1 : tab + 1;
+        }
+    }
 }
 
 int32_t selectedRow(KGtkControlHandle& control)

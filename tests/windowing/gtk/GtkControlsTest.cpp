@@ -289,6 +289,8 @@ struct Controls {
     KColourSwatchNativeControlPtr swatch { new KColourSwatchNativeControl(10, KWideRectangle(10, 230, 60, 24),
                                                                           KColor(KColor::Red)) };
     KPictureNativeControlPtr picture { new KPictureNativeControl(11, KWideRectangle(80, 230, 40, 30)) };
+    KListNativeControlPtr table { new KListNativeControl(12, KWideRectangle(10, 262, 160, 34),
+                                                         { "Bob\tBobby", "NYC\tNew York City" }) };
 
     void addTo(KDialog& dialog)
     {
@@ -300,9 +302,10 @@ struct Controls {
         pixels.height = 4;
         pixels.pixels.assign(16, 0x00FF00);
         picture->setPicture(pixels);
-        for (KControl* control : std::initializer_list<KControl*> { box.get(), group.get(), entry.get(), text.get(),
-                                                                    popUp.get(), spin.get(), slider.get(), bar.get(),
-                                                                    list.get(), swatch.get(), picture.get() })
+        table->setColumns({ "Word", "Exception" });
+        for (KControl* control : std::initializer_list<KControl*> {
+                 box.get(), group.get(), entry.get(), text.get(), popUp.get(), spin.get(), slider.get(), bar.get(),
+                 list.get(), swatch.get(), picture.get(), table.get() })
             dialog.addControl(*control);
     }
 };
@@ -408,6 +411,18 @@ TEST(GtkControlsTest, KeysStrokesAndEveryControlAsTheUserWorksThem)
                 EXPECT_EQ(controls.slider->getValue(), 42);
                 EXPECT_EQ(controls.bar->getValue(), 10);
                 EXPECT_EQ(controls.list->getSelected(), 1);
+                // A list of columns shows their headings and a cell each.
+                GtkTreeView* table = GTK_TREE_VIEW(gtk_bin_get_child(GTK_BIN(widgetOf(*controls.table))));
+                EXPECT_TRUE(gtk_tree_view_get_headers_visible(table));
+                EXPECT_EQ(gtk_tree_view_get_n_columns(table), 2u);
+                EXPECT_STREQ(gtk_tree_view_column_get_title(gtk_tree_view_get_column(table, 1)), "Exception");
+                GtkTreeModel* rows = gtk_tree_view_get_model(table);
+                GtkTreeIter row;
+                gchar* cell = nullptr;
+                if (gtk_tree_model_iter_nth_child(rows, &row, nullptr, 1))
+                    gtk_tree_model_get(rows, &row, 1, &cell, -1);
+                EXPECT_STREQ(cell, "New York City");
+                g_free(cell);
                 EXPECT_STREQ(controls.entry->getText().c_str(), "Kitte");
                 EXPECT_STREQ(controls.text->getText().c_str(), "a\nb");
                 Seen firstActions(seen().begin(), seen().begin() + std::min<ptrdiff_t>(9, ptrdiff_t(seen().size())));
