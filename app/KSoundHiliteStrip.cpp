@@ -235,7 +235,7 @@ KEventReturn KSoundHiliteStrip::doMouseMoved(KMouseEvent& event)
     return 1;
 }
 
-KEventReturn KSoundHiliteStrip::doMouseUp(KMouseEvent& event)
+KEventReturn KSoundHiliteStrip::doMouseUp(KMouseEvent&)
 {
     if (dragged < 0)
         return 0;

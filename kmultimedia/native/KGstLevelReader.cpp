@@ -40,7 +40,10 @@ bool loudestOf(const GstStructure* structure, const char* field, double& loudest
             take(GST_VALUE_HOLDS_ARRAY(list) ? gst_value_array_get_value(list, i) : gst_value_list_get_value(list, i));
         return found;
     }
-    if (G_VALUE_HOLDS(list, G_TYPE_VALUE_ARRAY)) {
+    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
+    bool valueArray = G_VALUE_HOLDS(list, g_value_array_get_type());
+    G_GNUC_END_IGNORE_DEPRECATIONS
+    if (valueArray) {
         G_GNUC_BEGIN_IGNORE_DEPRECATIONS
         auto* array = static_cast<GValueArray*>(g_value_get_boxed(list));
         for (guint i = 0; array && i < array->n_values; ++i)
