@@ -39,7 +39,8 @@ function(taleloom_test_suite name)
     # A whole display program runs as one test under its own X server.
     add_test(NAME ${name}_gtk_tests
              COMMAND xvfb-run -a -s "-screen 0 1280x1024x24" $<TARGET_FILE:${name}_gtk_tests>)
-    set_tests_properties(${name}_gtk_tests PROPERTIES
+    # xvfb-run -a races when two servers start at once; one at a time.
+    set_tests_properties(${name}_gtk_tests PROPERTIES RESOURCE_LOCK x_server
       ENVIRONMENT "TALELOOM_AUDIO=null;NO_AT_BRIDGE=1;TALELOOM_TEST_SOURCE_DIR=${PROJECT_SOURCE_DIR}" TIMEOUT 600)
   endif()
 endfunction()
