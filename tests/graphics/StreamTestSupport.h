@@ -65,6 +65,24 @@ inline void putLongAt(std::vector<uint8_t>& bytes, size_t at, uint32_t value)
         bytes[at + size_t(i)] = uint8_t(value >> (24 - 8 * i));
 }
 
+inline double doubleAt(const std::vector<uint8_t>& bytes, size_t at)
+{
+    uint64_t bits = 0;
+    for (size_t i = 0; i < 8; ++i)
+        bits = bits << 8 | bytes[at + i];
+    double value = 0;
+    std::memcpy(&value, &bits, sizeof value);
+    return value;
+}
+
+inline void putDoubleAt(std::vector<uint8_t>& bytes, size_t at, double value)
+{
+    uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof value);
+    for (size_t i = 0; i < 8; ++i)
+        bytes[at + i] = uint8_t(bits >> (56 - 8 * i));
+}
+
 // Little-endian, as inside a BMP.
 inline uint32_t leLongAt(const std::vector<uint8_t>& bytes, size_t at)
 {

@@ -1,6 +1,7 @@
 // The text element over the fake speech engine and sound player: its
 // stream, how it lights the words it reads, and what it draws.
 
+#include "tests/graphics/StreamTestSupport.h"
 #include "tests/support/TestSupport.h"
 #include "tests/tape/TimedElementTestSupport.h"
 
@@ -33,29 +34,11 @@ constexpr uint32_t kWhite = 0xFFFFFF;
 constexpr uint32_t kBlue = 0x0000FF;
 constexpr uint32_t kGreen = 0x00FF00;
 
-int32_t longAt(const std::vector<uint8_t>& bytes, size_t offset)
-{
-    return int32_t(uint32_t(bytes[offset]) << 24 | uint32_t(bytes[offset + 1]) << 16 | uint32_t(bytes[offset + 2]) << 8
-                   | uint32_t(bytes[offset + 3]));
-}
+int32_t longAt(const std::vector<uint8_t>& bytes, size_t offset) { return int32_t(streams::longAt(bytes, offset)); }
 
-double doubleAt(const std::vector<uint8_t>& bytes, size_t offset)
-{
-    uint64_t bits = 0;
-    for (size_t i = 0; i < 8; ++i)
-        bits = bits << 8 | bytes[offset + i];
-    double value = 0;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
-}
+using streams::doubleAt;
 
-void putDouble(std::vector<uint8_t>& bytes, size_t offset, double value)
-{
-    uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof value);
-    for (size_t i = 0; i < 8; ++i)
-        bytes[offset + i] = uint8_t(bits >> (56 - 8 * i));
-}
+void putDouble(std::vector<uint8_t>& bytes, size_t offset, double value) { streams::putDoubleAt(bytes, offset, value); }
 
 bool bytesAt(const std::vector<uint8_t>& bytes, size_t offset, const std::vector<uint8_t>& expected)
 {
