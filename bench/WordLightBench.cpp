@@ -1,3 +1,4 @@
+#include "bench/LatencyReport.h"
 #include "kmultimedia/KMediaManager.h"
 #include "kmultimedia/KMultimediaClasses.h"
 #include "kmultimedia/KSoundHiliteMarker.h"
@@ -209,19 +210,6 @@ Figures measure(bool fromRecording)
     knsExitKernel();
     KNativeLayer::install(nullptr);
     return figures;
-}
-
-void report(benchmark::State& state, const char* name, std::vector<double> values)
-{
-    if (values.empty())
-        return;
-    std::sort(values.begin(), values.end());
-    double sum = 0;
-    for (double v : values)
-        sum += v;
-    state.counters[std::string(name) + "_mean_ms"] = sum / double(values.size());
-    state.counters[std::string(name) + "_p95_ms"] = values[values.size() * 95 / 100];
-    state.counters[std::string(name) + "_max_ms"] = values.back();
 }
 
 void BM_WordLitAfterItsAudio(benchmark::State& state)
