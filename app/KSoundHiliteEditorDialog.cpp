@@ -45,7 +45,6 @@ constexpr int32_t kLoadId = 27;
 constexpr int32_t kLoopingId = 28;
 constexpr int32_t kStripId = 29;
 constexpr int32_t kScrollerId = 30;
-constexpr int32_t kClockId = 31;
 
 constexpr int32_t kYes = 2;
 

@@ -32,6 +32,9 @@ public:
     KString getText() const;
 
     bool operator==(const KComparable& other) const override;
+    // Two values of the same kind compare directly, without the reversed
+    // candidate C++20 would also find through the base.
+    bool operator==(const KDate& other) const { return operator==(static_cast<const KComparable&>(other)); }
     bool operator!=(const KComparable& other) const override;
     bool operator>(const KComparable& other) const override;
     bool operator<(const KComparable& other) const override;

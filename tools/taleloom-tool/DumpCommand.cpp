@@ -16,8 +16,6 @@
 
 namespace {
 
-constexpr int32_t kHeadSize = 8;
-
 KFileReference referenceOf(const std::string& path)
 {
     return KFileReference(KPath(KTextCodec::fromUtf8(path), KPath::LinuxPlatform));
