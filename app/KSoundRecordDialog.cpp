@@ -89,6 +89,8 @@ void KSoundRecordDialog::prepare(const KDirectory& folder)
 {
     soundFolder = folder;
     std::string where = nativeOf(folder.getPath());
+    while (where.size() > 1 && where.back() == '/')
+        where.pop_back();
     session = std::make_unique<KSoundRecordSession>(where, makeHooks());
     filePath = hostPath(session->getTakePath());
 }
