@@ -1,5 +1,6 @@
 #include "app/StylusActions.h"
 
+#include "app/KSoundRecordDialog.h"
 #include "app/KSpeechExceptionsDialog.h"
 #include "app/NewProjectDialog.h"
 #include "app/ProjectFiles.h"
@@ -402,9 +403,9 @@ void StylusActions::doPrintBook()
 bool StylusActions::doRecordSound(KFileReference& file)
 {
     stopEditing();
-    if (hookMissing(bool(hookTable.recordSound)))
-        return false;
-    return hookTable.recordSound(file);
+    if (hookTable.recordSound)
+        return hookTable.recordSound(file);
+    return KSoundRecordDialog::run(KSoundRecordDialog::folderFor(project.get()), file);
 }
 
 void StylusActions::doLoadColors()

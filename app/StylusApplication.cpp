@@ -1,9 +1,12 @@
 #include "app/StylusApplication.h"
 
 #include "app/AppClasses.h"
+#include "app/KEditSoundNameDialog.h"
+#include "app/KLevelMeterControl.h"
 #include "app/KSoundHiliteEditorDialog.h"
 #include "app/KSoundHiliteLoadDialog.h"
 #include "app/KSoundHiliteStrip.h"
+#include "app/KSoundRecordDialog.h"
 #include "app/KSpeechExceptionAddDialog.h"
 #include "app/KSpeechExceptionsDialog.h"
 #include "app/NewProjectDialog.h"
@@ -119,6 +122,9 @@ void StylusApplication::registerClasses()
     KSoundHiliteEditorDialog::registerClass();
     KSoundHiliteLoadDialog::registerClass();
     KSoundHiliteStrip::registerClass();
+    KSoundRecordDialog::registerClass();
+    KEditSoundNameDialog::registerClass();
+    KLevelMeterControl::registerClass();
 }
 
 // --- Start --------------------------------------------------------------------

@@ -23,6 +23,8 @@ bool KLevelMeterState::isClipping(double peakFraction)
     return peakFraction > 0.0 && 20.0 * std::log10(peakFraction) > kClipDb;
 }
 
+float KLevelMeterState::clippingLevel() { return float((kClipDb - kFloorDb) * 100.0 / -kFloorDb); }
+
 void KLevelMeterState::setLevel(float value, uint32_t nowMs)
 {
     level = std::clamp(value, 0.0f, 100.0f);

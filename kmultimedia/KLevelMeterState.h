@@ -13,6 +13,8 @@ public:
     static float levelFromPeak(double peakFraction);
     // Above -1 dBFS: the take is about to be distorted.
     static bool isClipping(double peakFraction);
+    // The level of a peak at -1 dBFS: a meter shows warning above it.
+    static float clippingLevel();
 
     // The value is clipped to 0..100. A value above the peak becomes the
     // peak; a peak older than the hold time falls to 0 at once.

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <strings.h>
 
 KSoundRecordSession::KSoundRecordSession(std::string where, Hooks given)
@@ -85,19 +86,36 @@ void KSoundRecordSession::cancel()
 
 std::string KSoundRecordSession::fittedName(const std::string& name)
 {
-    std::string base = name;
+    size_t first = name.find_first_not_of(" \t");
+    std::string base
+        = first == std::string::npos ? std::string() : name.substr(first, name.find_last_not_of(" \t") + 1 - first);
     if (base.size() >= 4 && strcasecmp(base.c_str() + base.size() - 4, ".WAV") == 0)
         base.resize(base.size() - 4);
-    if (base.size() > kMaximumNameLength - 4)
-        base.resize(kMaximumNameLength - 4);
+    // Characters, not bytes: a cut never splits one.
+    size_t characters = 0;
+    for (size_t i = 0; i < base.size(); ++i) {
+        if ((static_cast<unsigned char>(base[i]) & 0xC0) == 0x80)
+            continue;
+        if (++characters > kMaximumNameLength - 4) {
+            base.resize(i);
+            break;
+        }
+    }
     return base + ".WAV";
 }
 
 bool KSoundRecordSession::isValidName(const std::string& name)
 {
-    if (name.empty() || name == "." || name == ".." || name.find("..") != std::string::npos)
+    if (name.empty() || name[0] == '.' || name.find("..") != std::string::npos)
         return false;
-    return name.find_first_of("/\\:") == std::string::npos && name[0] != '.';
+    // The characters no file system of a memory stick can hold, as for
+    // every name in a project.
+    for (char c : name) {
+        auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x20 || byte == 0x7F || std::strchr("/\\:*?\"<>|", c))
+            return false;
+    }
+    return name.find_first_not_of(" \t") != std::string::npos;
 }
 
 std::string KSoundRecordSession::formatTime(double seconds)

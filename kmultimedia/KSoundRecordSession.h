@@ -52,10 +52,12 @@ public:
     Acceptance accept(const std::string& name, bool overwriteConfirmed);
     void cancel();
 
-    // The name kept within 26 characters, ".WAV" included.
+    // The name (UTF-8) without blanks at its ends, kept within 26
+    // characters, ".WAV" included.
     static std::string fittedName(const std::string& name);
-    // A name that stays in the folder: no separators, no drive colon, no
-    // "..", not empty.
+    // A name that stays in the folder and that every file system holds:
+    // none of / \\ : * ? " < > | or control characters, no "..", no dot
+    // first, not blank.
     static bool isValidName(const std::string& name);
     // MM:SS.
     static std::string formatTime(double seconds);

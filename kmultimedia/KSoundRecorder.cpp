@@ -3,6 +3,7 @@
 #include "kernel/KClass.h"
 #include "kernel/KFileReference.h"
 #include "kernel/KPath.h"
+#include "kernel/KTextCodec.h"
 #include "kmultimedia/KLevelMeterState.h"
 #include "kmultimedia/KMediaManager.h"
 #include "kmultimedia/KSoundCaptureNative.h"
@@ -42,7 +43,7 @@ KSoundRecorder::~KSoundRecorder()
 
 bool KSoundRecorder::startRecording(const KFileReference& file)
 {
-    return startRecording(std::string(file.getPath().getNativeText().c_str()));
+    return startRecording(KTextCodec::toUtf8(file.getPath().getNativeText()));
 }
 
 bool KSoundRecorder::startRecording(const std::string& target)

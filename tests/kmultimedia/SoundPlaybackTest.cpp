@@ -189,3 +189,45 @@ TEST_F(SoundPlaybackTest, BrokenFilesLeaveStatusZeroQuickly)
     EXPECT_TRUE(runUntil([&] { return !cut->isPlaying(); }));
     testing::internal::GetCapturedStderr();
 }
+
+// AIFF headers that promise more than the file holds. One whose "COMM"
+// chunk runs past the end never prerolls: the load gives up at its limit,
+// leaving status 0 and one line on stderr. What loads ends at once.
+TEST_F(SoundPlaybackTest, DamagedAiffHeadersNeitherHangNorPlayOn)
+{
+    auto big = [](uint32_t value) {
+        return std::string { char(value >> 24), char(value >> 16), char(value >> 8), char(value) };
+    };
+    // 22050 as an 80-bit extended number.
+    const std::string rate("\x40\x0D\xAC\x44\x00\x00\x00\x00\x00\x00", 10);
+    std::string comm = "COMM" + big(18) + std::string("\0\1", 2) + big(1000000) + std::string("\0\x10", 2) + rate;
+    std::string ssnd = "SSND" + big(2000008) + big(0) + big(0);
+    std::string longComm
+        = "COMM" + big(0x7FFFFFF0) + std::string("\0\1", 2) + big(1000) + std::string("\0\x10", 2) + rate;
+    struct Damaged {
+        const char* name;
+        std::string bytes;
+        bool refused;
+    };
+    const Damaged files[] = {
+        { "header-only.aiff", "FORM" + big(2000000) + "AIFF" + comm + ssnd, false },
+        { "form-only.aiff", "FORM" + big(0x7FFFFFF0) + "AIFF", true },
+        { "long-comm.aiff", "FORM" + big(0x7FFFFFF0) + "AIFF" + longComm, true },
+    };
+    for (const Damaged& file : files) {
+        std::string path = folder.pathOf(file.name);
+        std::ofstream(path, std::ios::binary) << file.bytes;
+        gint64 start = g_get_monotonic_time();
+        testing::internal::CaptureStderr();
+        KSoundPtr sound = newSound(path);
+        sound->play();
+        std::string said = testing::internal::GetCapturedStderr();
+        EXPECT_LT(g_get_monotonic_time() - start, 6 * G_USEC_PER_SEC) << file.name;
+        if (file.refused) {
+            EXPECT_EQ(sound->getStatus(), KAbstractMedia::NotLoaded) << file.name;
+            EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;
+        } else {
+            EXPECT_TRUE(runUntil([&] { return !sound->isPlaying(); }, 3000)) << file.name;
+        }
+    }
+}

@@ -110,3 +110,19 @@ TEST_F(SoundRecordSessionTest, NamesTimesAndFolders)
     else
         unsetenv("XDG_DATA_HOME");
 }
+
+TEST_F(SoundRecordSessionTest, NamesKeepToWhatEveryFileSystemHolds)
+{
+    for (const char* bad : { "a*b", "a?b", "a<b", "a>b", "a|b", "say \"hi\"", "tab\there", "   " })
+        EXPECT_FALSE(KSoundRecordSession::isValidName(bad)) << bad;
+    for (const char* good : { "Recorded Sound", "Élodie's song", "take 2.wav" })
+        EXPECT_TRUE(KSoundRecordSession::isValidName(good)) << good;
+    // Blanks at the ends go; a cut never splits a character.
+    EXPECT_EQ(KSoundRecordSession::fittedName("  Hello  "), "Hello.WAV");
+    std::string accented;
+    for (int i = 0; i < 30; ++i)
+        accented += "\xC3\xA9";
+    std::string fitted = KSoundRecordSession::fittedName(accented);
+    EXPECT_EQ(fitted.size(), 22u * 2 + 4);
+    EXPECT_EQ(fitted.substr(fitted.size() - 4), ".WAV");
+}
