@@ -137,6 +137,14 @@ void StylusApplication::doInit()
     textDefaults = TextDefaults();
     actions = kAdopt(new StylusActions());
     toolPalette = kAdopt(new ToolPalette());
+    actions->hooks().loadColors = [](const KFileReference& file) {
+        if (ToolPalette* palette = ToolPalette::current())
+            palette->loadColorsFrom(file);
+    };
+    actions->hooks().saveColors = [](const KFileReference& file) {
+        if (ToolPalette* palette = ToolPalette::current())
+            palette->saveColorsTo(file);
+    };
     readCommandLine();
     showUntitled();
     StylusWindow* window = StylusWindow::current();
@@ -154,6 +162,7 @@ void StylusApplication::doInit()
         window->finishOpen();
     }
     toolPalette->open(KWindow::OpenMode::Normal);
+    toolPalette->finishOpen();
     if (KCursorManager* cursors = KCursorManager::current())
         cursors->setCursor(KCursorShape::Normal);
     recovery->start(*this);
