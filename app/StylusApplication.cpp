@@ -12,6 +12,7 @@
 #include "app/StartupDialog.h"
 #include "app/StateFile.h"
 #include "app/StylusActions.h"
+#include "app/StylusColorButtonControl.h"
 #include "app/StylusTapeHost.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
@@ -111,6 +112,7 @@ void StylusApplication::registerClasses()
     StylusApplication::registerClass();
     StylusWindow::registerClass();
     ToolPalette::registerClass();
+    StylusColorButtonControl::registerClass();
     StylusActions::registerClass()->setTransient();
     StartupDialog::registerClass();
     NewProjectDialog::registerClass();
