@@ -33,6 +33,15 @@ KFileTypeID fileTypeOf(const char* extension)
     return type ? type->getID() : 0;
 }
 
+// The folder and every missing folder above it.
+void makeFolders(const KDirectory& folder)
+{
+    if (folder.doesExist() || folder.getPath().getFolderCount() == 0)
+        return;
+    makeFolders(KDirectory(folder.getPath().getParent()));
+    KDirectory(folder).create();
+}
+
 KString projectName(const StylusProject& project)
 {
     return project.hasFile() ? project.getFile()->getPath().getName() : KString();
@@ -438,12 +447,7 @@ void StylusActions::doSaveColors()
         return;
     stopEditing();
     KDirectory folder = ToolPalette::userPaletteFolder();
-    if (!folder.doesExist()) {
-        KDirectory parent(folder.getPath().getParent());
-        if (!parent.doesExist())
-            parent.create();
-        folder.create();
-    }
+    makeFolders(folder);
     KDialogHandler* dialogs = KDialogHandler::current();
     KFileReference file(folder.getPath().getChildFile(uiText("Color Palette") + "." + ColorPaletteFile::kExtension));
     if (dialogs && dialogs->doSaveDialog(file, uiText("Save Colors"), fileTypeOf("SCP")))
