@@ -1,5 +1,5 @@
-#include "app/AppClasses.h"
 #include "app/ColorPaletteFile.h"
+#include "app/AppClasses.h"
 #include "kernel/KClass.h"
 #include "kernel/KDocument.h"
 #include "kernel/KFile.h"
@@ -120,7 +120,8 @@ TEST_F(ColorPaletteFileTest, TheDefaultPaletteHasItsBytesAtTheirOffsets)
         EXPECT_EQ(longAt(bytes, at + 6), 0u) << "transparency " << e.button;
     }
     // The shipped palette is the default one.
-    std::ifstream shipped(std::string(std::getenv("TALELOOM_TEST_SOURCE_DIR")) + "/data/Color Palettes/Atelier Colors.SCP",
+    std::ifstream shipped(std::string(std::getenv("TALELOOM_TEST_SOURCE_DIR"))
+                              + "/data/Color Palettes/Atelier Colors.SCP",
                           std::ios::binary);
     Bytes onDisk((std::istreambuf_iterator<char>(shipped)), std::istreambuf_iterator<char>());
     EXPECT_EQ(onDisk, bytes);
@@ -146,9 +147,9 @@ TEST_F(ColorPaletteFileTest, APartialFileNamesOnlyItsButtons)
     EXPECT_EQ(read.count(), 1);
     ASSERT_TRUE(read.has(2));
     EXPECT_EQ(read.colors[2], KColor(0x1200, 0x3400, 0x5600));
-    ASSERT_EQ(decode(documentOf({ { "Color 16", colourVariable(1, 2, 3) }, { "Color 1", colourVariable(4, 5, 6) } }),
-                     read),
-              Form::Document);
+    ASSERT_EQ(
+        decode(documentOf({ { "Color 16", colourVariable(1, 2, 3) }, { "Color 1", colourVariable(4, 5, 6) } }), read),
+        Form::Document);
     EXPECT_EQ(read.count(), 2);
     EXPECT_TRUE(read.has(0) && read.has(15));
 }
@@ -197,10 +198,12 @@ TEST_F(ColorPaletteFileTest, BadFilesReadNothing)
     EXPECT_EQ(decode(documentOf({ { "Color 1", new KVariable(int32_t(0xFF00)) } }), read), Form::None)
         << "a variable of another tag";
     KPtr<KString> text(new KString("red"));
-    EXPECT_EQ(decode(documentOf({ { "Color 1", new KVariable(*text) } }), read), Form::None) << "an object not a colour";
+    EXPECT_EQ(decode(documentOf({ { "Color 1", new KVariable(*text) } }), read), Form::None)
+        << "an object not a colour";
     for (const char* name : { "Color 0", "Color 17", "Color 01", "color 1", "Colour 1" }) {
-        EXPECT_EQ(decode(documentOf({ { "Color 2", colourVariable(1, 2, 3) }, { name, colourVariable(1, 2, 3) } }), read),
-                  Form::None)
+        EXPECT_EQ(
+            decode(documentOf({ { "Color 2", colourVariable(1, 2, 3) }, { name, colourVariable(1, 2, 3) } }), read),
+            Form::None)
             << name;
         EXPECT_EQ(read.count(), 0) << "all or none: " << name;
     }
