@@ -6,6 +6,7 @@
 #include "app/StylusWindow.h"
 #include "app/UiText.h"
 #include "graphics/KGraphicStateGuard.h"
+#include "graphics/KPixelBuffer.h"
 #include "kernel/KClass.h"
 #include "kernel/KFile.h"
 #include "kernel/KFileReference.h"
@@ -316,7 +317,40 @@ void ToolPalette::drawSizeSample()
             device.frameOval(disc);
         }
     }
+    keepFaceEdge(*sample, *sizeBase);
     control->setPicture(sample.get(), nullptr);
+}
+
+// The disc stays on the face's white: the face's ring comes back over it,
+// and outside the mask the picture is white again, as masked drawing needs.
+void ToolPalette::keepFaceEdge(KAlphaImage& sample, KAlphaImage& base)
+{
+    KPixelBuffer drawn;
+    KPixelBuffer original;
+    KPixelBuffer mask;
+    KImage* maskImage = base.getMask();
+    if (!maskImage || !sample.getDevice().beginPixelAccess(drawn))
+        return;
+    bool haveOriginal = base.getDevice().beginPixelAccess(original);
+    bool haveMask = maskImage->getDevice().beginPixelAccess(mask);
+    bool readable = haveOriginal && haveMask;
+    for (int32_t y = 0; readable && y < drawn.height; ++y) {
+        for (int32_t x = 0; x < drawn.width; ++x) {
+            if (!original.contains(x, y) || !mask.contains(x, y))
+                continue;
+            uint32_t before = *original.at(x, y) & KPixelBuffer::kColourBits;
+            bool outside = (*mask.at(x, y) & 0xFF) >= 128;
+            if (outside)
+                *drawn.at(x, y) = KPixelBuffer::kColourBits;
+            else if (before != KPixelBuffer::kColourBits)
+                *drawn.at(x, y) = before;
+        }
+    }
+    if (haveMask)
+        maskImage->getDevice().endPixelAccess(KWideRectangle());
+    if (haveOriginal)
+        base.getDevice().endPixelAccess(KWideRectangle());
+    sample.getDevice().endPixelAccess(KWideRectangle(0, 0, drawn.width, drawn.height));
 }
 
 void ToolPalette::setBrushColor(const KColor& colour) { setButtonColor(selectedButton, colour); }

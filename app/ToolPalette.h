@@ -168,6 +168,7 @@ private:
     void resizeForState();
     void keepOnScreen();
     void drawSizeSample();
+    static void keepFaceEdge(KAlphaImage& sample, KAlphaImage& base);
     void refreshSteps();
     void enable(int32_t id, bool on);
     void enableAll(bool on);

@@ -76,6 +76,9 @@ void KImageControl::setEnabled(bool enabled)
     if (!enabled) {
         tracking = false;
         setPushed(false);
+        // A control that cannot be pressed gives the ring up.
+        if (hasFocus())
+            setFocus(false);
     }
     bool before = isEnabled();
     KControl::setEnabled(enabled);

@@ -12,9 +12,11 @@
 #include "tools/taleloom-tool/PaletteCommand.h"
 #include "windowing/KEventTranslator.h"
 #include "windowing/KKeyEvent.h"
+#include "windowing/KWindowEvent.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -255,6 +257,54 @@ TEST_F(ToolPaletteTest, TheButtonsPlayStopAndStep)
         clickControl(ToolPalette::StopButton);
         EXPECT_EQ(tape.getPlayState(), Tape::PlayState::Stopped);
         EXPECT_TRUE(on(palette, ToolPalette::PlayButton));
+    });
+}
+
+TEST_F(ToolPaletteTest, TabWalksTheUsableControlsAndSpacePressesTheOneWithTheRing)
+{
+    runApp({ sampleCopy() }, [&](TestApplication& app) {
+        app.turn(2);
+        ToolPalette& palette = *app.getToolPalette();
+        StylusActions::current()->goToBeginning();
+        EXPECT_EQ(palette.getFocusedControl(), nullptr);
+        KKeyEvent tab(KKeyEvent::KeyDown, &palette, KKeyEvent::Tab, 0);
+        palette.doKeyDown(tab);
+        ASSERT_NE(palette.getFocusedControl(), nullptr);
+        EXPECT_EQ(palette.getFocusedControl()->getId(), 1);
+        KKeyEvent backTab(KKeyEvent::KeyDown, &palette, KKeyEvent::Tab, 1);
+        palette.doKeyDown(backTab);
+        EXPECT_EQ(palette.getFocusedControl()->getId(), ToolPalette::WaitButton) << "round to the last";
+        std::vector<int32_t> visited;
+        for (int32_t i = 0; i < 40; ++i) {
+            palette.focusNext(false);
+            visited.push_back(palette.getFocusedControl()->getId());
+        }
+        for (int32_t skipped : { int32_t(ToolPalette::BackButton), int32_t(ToolPalette::StopButton),
+                                 int32_t(ToolPalette::ElementIndicator) })
+            EXPECT_EQ(std::count(visited.begin(), visited.end(), skipped), 0) << skipped;
+
+        while (palette.getFocusedControl()->getId() != 8)
+            palette.focusNext(false);
+        KKeyEvent space(KKeyEvent::KeyDown, &palette, ' ', 0);
+        palette.doKeyDown(space);
+        EXPECT_EQ(palette.getSelectedButton(), 7);
+        while (palette.getFocusedControl()->getId() != ToolPalette::EndButton)
+            palette.focusNext(false);
+        KKeyEvent enter(KKeyEvent::KeyDown, &palette, KKeyEvent::Return, 0);
+        palette.doKeyDown(enter);
+        EXPECT_EQ(app.getProject()->getTape()->getPosition(), app.getProject()->getTape()->getCount());
+
+        EXPECT_EQ(palette.getFocusedControl(), nullptr) << "the end button went off and gave the ring up";
+
+        // The ring is drawn inside the control's edge.
+        while (palette.getFocusedControl() == nullptr
+               || palette.getFocusedControl()->getId() != ToolPalette::BeginningButton)
+            palette.focusNext(false);
+        KWindowEvent paint(KWindowEvent::Paint, &palette);
+        palette.paint(paint);
+        KWideRectangle place = ToolPalette::placeOf(ToolPalette::BeginningButton);
+        EXPECT_EQ(rgb(palette.getPixel(int16_t(place.x + 1), int16_t(place.y + 10))), rgb(KColor(KColor::Highlight)));
+        EXPECT_EQ(rgb(palette.getPixel(int16_t(place.x + 3), int16_t(place.y + 10))), 0u) << "its black line";
     });
 }
 
