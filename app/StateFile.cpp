@@ -92,6 +92,8 @@ void describeBrush(KJsonWriter& out)
     out.beginObject();
     out.member("size", palette ? int32_t(palette->getBrushSize()) : 0);
     out.member("button", palette ? palette->getSelectedButton() : -1);
+    out.member("paletteFull", palette ? palette->isFull() : false);
+    out.member("paletteScale", palette ? palette->getScale() : 1.0);
     KColor colour = palette ? palette->getBrushColor() : KColor();
     out.key("colour");
     out.beginArray();

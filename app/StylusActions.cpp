@@ -6,6 +6,7 @@
 #include "app/ProjectFiles.h"
 #include "app/StylusApplication.h"
 #include "app/StylusWindow.h"
+#include "app/ToolPalette.h"
 #include "app/UiText.h"
 #include "graphics/KImage.h"
 #include "kernel/KClass.h"
@@ -31,6 +32,15 @@ KFileTypeID fileTypeOf(const char* extension)
 {
     KFileType* type = KFileTypeHandler::getAssociation(KString(extension));
     return type ? type->getID() : 0;
+}
+
+// The folder and every missing folder above it.
+void makeFolders(const KDirectory& folder)
+{
+    if (folder.doesExist() || folder.getPath().getFolderCount() == 0)
+        return;
+    makeFolders(KDirectory(folder.getPath().getParent()));
+    KDirectory(folder).create();
 }
 
 KString projectName(const StylusProject& project)
@@ -408,11 +418,18 @@ bool StylusActions::doRecordSound(KFileReference& file)
     return KSoundRecordDialog::run(KSoundRecordDialog::folderFor(project.get()), file);
 }
 
+// The chooser starts in the user's palettes when there are any, else
+// beside the shipped palette.
 void StylusActions::doLoadColors()
 {
     if (hookMissing(bool(hookTable.loadColors)))
         return;
-    KFileReference file;
+    stopEditing();
+    KDirectory start = ToolPalette::userPaletteFolder();
+    KFileReference shipped;
+    if (!start.doesExist() && ToolPalette::findShippedPalette(shipped))
+        start = KDirectory(shipped.getPath().getParent());
+    KFileReference file(start.getPath().getChildFile(KString("x")));
     KDialogHandler* dialogs = KDialogHandler::current();
     if (dialogs && dialogs->doOpenDialog(file, uiText("Load Colors"), fileTypeOf("SCP")))
         hookTable.loadColors(file);
@@ -424,13 +441,24 @@ void StylusActions::loadColorsFrom(const KFileReference& file)
         hookTable.loadColors(file);
 }
 
+// Saved palettes go to the user's own palette folder, made when missing.
 void StylusActions::doSaveColors()
 {
     if (hookMissing(bool(hookTable.saveColors)))
         return;
-    KFileReference file;
-    if (askSaveFile(file, uiText("Save Colors"), uiText("Color Palette") + ".SCP", fileTypeOf("SCP")))
+    stopEditing();
+    KDirectory folder = ToolPalette::userPaletteFolder();
+    makeFolders(folder);
+    KDialogHandler* dialogs = KDialogHandler::current();
+    KFileReference file(folder.getPath().getChildFile(uiText("Color Palette") + "." + ColorPaletteFile::kExtension));
+    if (dialogs && dialogs->doSaveDialog(file, uiText("Save Colors"), fileTypeOf("SCP")))
         hookTable.saveColors(file);
+}
+
+void StylusActions::doResetColors()
+{
+    if (ToolPalette* palette = ToolPalette::current())
+        palette->resetColors();
 }
 
 void StylusActions::doSpeechExceptions()

@@ -102,6 +102,8 @@ public:
     // A colour palette file opened from outside (the command line, a drop).
     void loadColorsFrom(const KFileReference& file);
     void doSaveColors();
+    // The tool palette's buttons back to their default colours.
+    void doResetColors();
     bool findMediaFile(KFileReference& file);
     // The speech exceptions dictionary in its dialog.
     void doSpeechExceptions();
@@ -123,6 +125,14 @@ public:
     // file the user picks, and a text with its defaults in the middle of
     // the page; the other kinds beep.
     void insertElement(int32_t kind);
+    // The one rule of what may be inserted now, for the palette and the
+    // menus: nothing while the story plays or without a story; every kind
+    // with a button while the tape is edited; text, image, sound and speech
+    // while an actor is edited.
+    bool canInsertElement(int32_t kind) const;
+    // Opens the editor of the element before the position, unless the
+    // story plays; in-place editors close first.
+    void modifyCurrentElement();
     // A stroke, a motion or an element entered the tape.
     void elementAdded();
     void finishPastePlacement(bool accept);

@@ -168,6 +168,30 @@ void StylusActions::moveToolPalette()
         KGraphicRectangle(int16_t(std::max(0, x)), int16_t(std::max(0, y)), frame.width, frame.height));
 }
 
+bool StylusActions::canInsertElement(int32_t kind) const
+{
+    StylusWindow* shown = window();
+    if (!shown || !tape() || !tapeIsIdle())
+        return false;
+    switch (shown->getWindowMode()) {
+    case WindowMode::TapeEditing:
+        return kind == WaitType || kind == TextType || kind == SpeechType || kind == PauseType || kind == SoundType
+               || kind == PageTransitionType || kind == MovieType || kind == ImageType;
+    case WindowMode::ActorEditing:
+        return kind == TextType || kind == ImageType || kind == SoundType || kind == SpeechType;
+    default:
+        return false;
+    }
+}
+
+void StylusActions::modifyCurrentElement()
+{
+    if (!tape() || !tapeIsIdle())
+        return;
+    stopEditing();
+    tape()->editCurrentElement();
+}
+
 // Until the element dialogs exist, the elements that need nothing from the
 // user go in with their defaults, and a sound asks only for its file.
 void StylusActions::insertElement(int32_t kind)

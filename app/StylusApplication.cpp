@@ -15,6 +15,7 @@
 #include "app/StartupDialog.h"
 #include "app/StateFile.h"
 #include "app/StylusActions.h"
+#include "app/StylusColorButtonControl.h"
 #include "app/StylusTapeHost.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
@@ -114,6 +115,7 @@ void StylusApplication::registerClasses()
     StylusApplication::registerClass();
     StylusWindow::registerClass();
     ToolPalette::registerClass();
+    StylusColorButtonControl::registerClass();
     StylusActions::registerClass()->setTransient();
     StartupDialog::registerClass();
     NewProjectDialog::registerClass();
@@ -143,6 +145,14 @@ void StylusApplication::doInit()
     textDefaults = TextDefaults();
     actions = kAdopt(new StylusActions());
     toolPalette = kAdopt(new ToolPalette());
+    actions->hooks().loadColors = [](const KFileReference& file) {
+        if (ToolPalette* palette = ToolPalette::current())
+            palette->loadColorsFrom(file);
+    };
+    actions->hooks().saveColors = [](const KFileReference& file) {
+        if (ToolPalette* palette = ToolPalette::current())
+            palette->saveColorsTo(file);
+    };
     readCommandLine();
     showUntitled();
     StylusWindow* window = StylusWindow::current();
@@ -160,6 +170,7 @@ void StylusApplication::doInit()
         window->finishOpen();
     }
     toolPalette->open(KWindow::OpenMode::Normal);
+    toolPalette->finishOpen();
     if (KCursorManager* cursors = KCursorManager::current())
         cursors->setCursor(KCursorShape::Normal);
     recovery->start(*this);

@@ -8,6 +8,8 @@ install(TARGETS taleloom taleloom-tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDI
 # The translations are compiled into the programs; the sample story is
 # installed for people to start from.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/data/samples DESTINATION ${CMAKE_INSTALL_DATADIR}/taleloom)
+# The shipped colour palettes, where the program looks for them.
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/data/Color Palettes" DESTINATION ${CMAKE_INSTALL_DATADIR}/taleloom)
 install(FILES ${PROJECT_SOURCE_DIR}/data/desktop/taleloom.desktop
         DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
 install(FILES ${PROJECT_SOURCE_DIR}/data/desktop/taleloom-mime.xml

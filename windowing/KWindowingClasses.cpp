@@ -24,6 +24,7 @@
 #include "windowing/KEntryNativeControl.h"
 #include "windowing/KEvent.h"
 #include "windowing/KFormatEvent.h"
+#include "windowing/KImageControl.h"
 #include "windowing/KInteractiveElement.h"
 #include "windowing/KKeyEvent.h"
 #include "windowing/KKeyboardManager.h"
@@ -88,6 +89,7 @@ void kRegisterWindowingClasses()
     KMultiLineTextNativeControl::registerClass();
     KColourSwatchNativeControl::registerClass();
     KPictureNativeControl::registerClass();
+    KImageControl::registerClass();
     KEditFieldControl::registerClass();
     KTextFormatMenu::registerClass();
     KCursorManager::registerClass();

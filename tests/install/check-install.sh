@@ -21,6 +21,7 @@ for program in taleloom taleloom-tool; do
   [ -x "$bin/$program" ] || fail "$program is not installed in $bindir"
 done
 [ -f "$data/taleloom/samples/Sample/Sample.TPD" ] || fail "the sample story is not installed"
+[ -f "$data/taleloom/Color Palettes/Atelier Colors.SCP" ] || fail "the shipped colour palette is not installed"
 
 desktop=$data/applications/taleloom.desktop
 if [ -f "$desktop" ]; then

@@ -219,7 +219,9 @@ TEST_F(DumpCommand, UsageErrorsGiveTheUsageAndStatusTwo)
             "usage: taleloom-tool voices [--language L]\n"
             "usage: taleloom-tool speak TEXT [--voice V] [--speed S] [--volume V] -o OUT.wav [--events]\n"
             "usage: taleloom-tool play FILE [--volume V] [--balance B] [--to-file OUT.wav] [--json]\n"
-            "usage: taleloom-tool record --seconds N -o OUT.wav\n";
+            "usage: taleloom-tool record --seconds N -o OUT.wav\n"
+            "usage: taleloom-tool palette write-default OUT.SCP | read FILE.SCP | render --state short|full "
+            "[--palette F.SCP] [--size N] [--scale 1|1.5|2] [--mode M] -o PALETTE.png\n";
     for (const auto& arguments : std::vector<std::vector<std::string>> { {}, { "frobnicate" } }) {
         ToolRun run = tool(arguments);
         EXPECT_EQ(run.status, 2);

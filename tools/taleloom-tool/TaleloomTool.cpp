@@ -5,6 +5,7 @@
 #include "kernel/KKernelClasses.h"
 #include "tools/taleloom-tool/DumpCommand.h"
 #include "tools/taleloom-tool/InfoCommand.h"
+#include "tools/taleloom-tool/PaletteCommand.h"
 #include "tools/taleloom-tool/RenderCommand.h"
 #include "tools/taleloom-tool/SoundCommands.h"
 #include "tools/taleloom-tool/ToolCommand.h"
@@ -17,8 +18,8 @@ namespace {
 
 // The commands, in the order the usage lists them.
 const ToolCommand kCommands[] = {
-    dumpCommand(),   infoCommand(),  renderCommand(), traceCommand(),
-    voicesCommand(), speakCommand(), playCommand(),   recordCommand(),
+    dumpCommand(),  infoCommand(), renderCommand(), traceCommand(),   voicesCommand(),
+    speakCommand(), playCommand(), recordCommand(), paletteCommand(),
 };
 
 int generalUsage(std::ostream& err)

@@ -378,6 +378,8 @@ void styleFrame(KGtkWindowHandle* handle, const KNativeWindowSetup& setup, GtkWi
         gtk_window_set_skip_taskbar_hint(window, TRUE);
         gtk_window_set_skip_pager_hint(window, TRUE);
         gtk_window_set_focus_on_map(window, FALSE);
+        // A click on a palette's button must leave the keys with the page.
+        gtk_window_set_accept_focus(window, FALSE);
         break;
     case KNativeWindowKind::Dialog:
         gtk_window_set_type_hint(window, GDK_WINDOW_TYPE_HINT_DIALOG);
