@@ -94,7 +94,8 @@ TEST(KThing, LastReleaseDestroysAndCountsBalance)
 
     // Reassigning a reference releases the old object; self-assignment keeps it.
     KPtr<Probe> p(new Probe(&deaths));
-    p = p;
+    KPtr<Probe>& alias = p; // the same reference under another name, as a container would hand it back
+    p = alias;
     EXPECT_EQ(deaths, 1);
     p = new Probe(&deaths);
     EXPECT_EQ(deaths, 2);
