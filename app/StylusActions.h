@@ -57,6 +57,8 @@ public:
     // untitled state at start, or a project opened elsewhere.
     void installProject(StylusProject& opened);
     bool isUntitled() const;
+    // The project's name as its titles show it; empty while untitled.
+    KString getProjectName() const;
     // The tape has changes that were not saved.
     bool hasChanges() const;
     // Save is offered when there are changes, or an untitled story holds
@@ -118,6 +120,12 @@ public:
     void goToEnd();
     void deleteLast();
     void moveToolPalette();
+    // Whether an element of the kind may be inserted now, from the tool
+    // palette or the Toolbox menu: the tape is idle, no modal dialog is up,
+    // and the kind is one the window mode takes (tape editing: every kind
+    // that has a way in; actor editing: text, image, sound and speech). A
+    // text is refused while one is being typed.
+    bool canInsertElement(int32_t kind) const;
     // Kinds 1 to 10. Without the dialogs' hook, a wait, a speech and a
     // pause go in at the position with their defaults, a sound with the
     // file the user picks, and a text with its defaults in the middle of
@@ -128,6 +136,9 @@ public:
     void finishPastePlacement(bool accept);
     void toggleMenuStrip();
     bool isMenuStripShown() const { return menuStripShown; }
+    // The menu bar shows or hides for the play and the screen, and its
+    // items follow the state.
+    void updateMenuBar();
 
 private:
     StylusWindow* window() const;

@@ -1,6 +1,12 @@
 #include "app/StylusApplication.h"
 
+#include "app/ActorsMenu.h"
+#include "app/AnimMenu.h"
 #include "app/AppClasses.h"
+#include "app/EditMenu.h"
+#include "app/FileMenu.h"
+#include "app/FormatMenu.h"
+#include "app/ItemsMenu.h"
 #include "app/KSoundHiliteEditorDialog.h"
 #include "app/KSoundHiliteLoadDialog.h"
 #include "app/KSoundHiliteStrip.h"
@@ -12,6 +18,7 @@
 #include "app/StartupDialog.h"
 #include "app/StateFile.h"
 #include "app/StylusActions.h"
+#include "app/StylusMenuBar.h"
 #include "app/StylusTapeHost.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
@@ -37,6 +44,7 @@
 #include "windowing/KEvent.h"
 #include "windowing/KFormatEvent.h"
 #include "windowing/KMenuEvent.h"
+#include "windowing/KMenuManager.h"
 #include "windowing/KNativeLayer.h"
 #include "windowing/KTextFormatMenu.h"
 #include "windowing/KWindow.h"
@@ -119,6 +127,10 @@ void StylusApplication::registerClasses()
     KSoundHiliteEditorDialog::registerClass();
     KSoundHiliteLoadDialog::registerClass();
     KSoundHiliteStrip::registerClass();
+    StylusMenuBar::registerClass()->setTransient();
+    for (KClass* menu : { FileMenu::registerClass(), EditMenu::registerClass(), ItemsMenu::registerClass(),
+                          FormatMenu::registerClass(), AnimMenu::registerClass(), ActorsMenu::registerClass() })
+        menu->setTransient();
 }
 
 // --- Start --------------------------------------------------------------------
@@ -152,6 +164,7 @@ void StylusApplication::doInit()
     if (window) {
         window->show(true);
         window->finishOpen();
+        installMenuBar(*window);
     }
     toolPalette->open(KWindow::OpenMode::Normal);
     if (KCursorManager* cursors = KCursorManager::current())
@@ -375,6 +388,18 @@ KGraphicSize StylusApplication::newDocumentPageSize() const
 
 StylusActions* StylusApplication::getActions() const { return actions.get(); }
 
+StylusMenuBar* StylusApplication::getStylusMenuBar() const { return menuBar.get(); }
+
+void StylusApplication::installMenuBar(StylusWindow& window)
+{
+    menuBar = kAdopt(new StylusMenuBar());
+    if (KMenuManager* menus = KMenuManager::current())
+        menus->setMenuBar(menuBar.get());
+    menuBar->install(window);
+    menuBar->updateShown();
+    menuBar->update();
+}
+
 ToolPalette* StylusApplication::getToolPalette() const { return toolPalette.get(); }
 
 StylusProject* StylusApplication::getProject() const { return actions ? actions->getProject() : nullptr; }
@@ -440,6 +465,10 @@ KEventReturn StylusApplication::doDeactivate(KApplicationEvent&)
 
 KEventReturn StylusApplication::doHelp(KMenuEvent& event)
 {
+    if (event.getItemId() == KMenuBar::KeyboardSummary && menuBar) {
+        alert(uiText("Keyboard Commands Summary"), menuBar->keyboardSummary());
+        return 1;
+    }
     if (event.getItemId() == kWriteLocalizerCommand) {
         if (KLocalizer* localizer = kBaseLocalizer()) {
             KFileReference file(KPath(absolutePath("ST_LOCALIZER_DATABASE.KLF"), KPath::kHostPlatform));
@@ -482,6 +511,8 @@ void StylusApplication::setFullScreen(bool on)
     }
     fullScreen = on;
     window->setFullScreenShown(on);
+    if (menuBar)
+        menuBar->updateShown();
 }
 
 // --- Failures -----------------------------------------------------------------
@@ -549,6 +580,12 @@ void StylusApplication::doExit()
     if (toolPalette) {
         toolPalette->close();
         toolPalette.clear();
+    }
+    if (menuBar) {
+        if (KMenuManager* menus = KMenuManager::current())
+            menus->setMenuBar(nullptr);
+        menuBar->uninstall();
+        menuBar.clear();
     }
     actions.clear();
     formatMenu.clear();

@@ -19,6 +19,7 @@ class StylusActions;
 class StylusWindow;
 class RecoveryCopy;
 class StateFile;
+class StylusMenuBar;
 
 // TaleLoom's application object: the start-up and exit sequences, the
 // preferences, the document folder, the file types, the command line and
@@ -55,6 +56,7 @@ public:
 
     ToolPalette* getToolPalette() const;
     StylusActions* getActions() const;
+    StylusMenuBar* getStylusMenuBar() const;
     // The open story; never null after the start.
     StylusProject* getProject() const;
 
@@ -110,6 +112,8 @@ private:
     void startMediaManager();
     void readCommandLine();
     void showUntitled();
+    // The menus go on the main window once it is open.
+    void installMenuBar(StylusWindow& window);
     void waitForSplash(uint32_t startedAt);
     bool openDocumentFile(const KString& path, bool print);
 
@@ -124,6 +128,7 @@ private:
     KGraphicRectangle windowBounds;
     KPtr<ToolPalette> toolPalette;
     KPtr<StylusActions> actions;
+    KPtr<StylusMenuBar> menuBar;
     KMediaManagerPtr mediaManager;
     KTextFormatMenuPtr formatMenu;
     TextDefaults textDefaults;
