@@ -57,6 +57,9 @@ public:
     ToolPalette* getToolPalette() const;
     StylusActions* getActions() const;
     StylusMenuBar* getStylusMenuBar() const;
+    // Builds the menus in the present language and puts them on the main
+    // window: at the start, and again when the language changes.
+    void installMenuBar(StylusWindow& window);
     // The open story; never null after the start.
     StylusProject* getProject() const;
 
@@ -112,8 +115,6 @@ private:
     void startMediaManager();
     void readCommandLine();
     void showUntitled();
-    // The menus go on the main window once it is open.
-    void installMenuBar(StylusWindow& window);
     void waitForSplash(uint32_t startedAt);
     bool openDocumentFile(const KString& path, bool print);
 

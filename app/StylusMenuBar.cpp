@@ -12,6 +12,8 @@
 #include "app/UiText.h"
 #include "kernel/KClass.h"
 #include "kernel/KErrorHandler.h"
+#include "kernel/KJsonWriter.h"
+#include "kernel/KTextCodec.h"
 #include "tape/Tape.h"
 #include "windowing/KMenu.h"
 
@@ -40,6 +42,58 @@ void listKeys(const KMenu& menu, KString& text)
             text += uiText("Ctrl+%1: %2", KString(std::string(1, char(item->getKey())).c_str()), item->getTitle())
                     + "\n";
     }
+}
+
+std::string keyText(const KMenuItem& item)
+{
+    return item.getKey() == 0 ? std::string() : "Ctrl+" + std::string(1, char(item.getKey()));
+}
+
+std::string utf8(const KString& text) { return KTextCodec::toUtf8(text); }
+
+void describeMenuText(const KMenuBar& bar, const KMenu& menu, int32_t depth, std::string& out)
+{
+    std::string indent(size_t(depth) * 2, ' ');
+    for (const KMenuItemPtr& item : menu.getItems()) {
+        if (item->isSeparator()) {
+            out += indent + "-\n";
+            continue;
+        }
+        bool on = bar.isLive(menu, *item);
+        if (KMenu* sub = item->getSubMenu()) {
+            out += indent + "> " + utf8(item->getTitle()) + (on && sub->isEnabled() ? " on" : " off") + "\n";
+            describeMenuText(bar, *sub, depth + 1, out);
+            continue;
+        }
+        out += indent + std::to_string(item->getId()) + " \"" + utf8(item->getTitle()) + "\"";
+        if (item->getKey() != 0)
+            out += " " + keyText(*item);
+        out += on ? " on" : " off";
+        if (item->isChecked())
+            out += " checked";
+        out += "\n";
+    }
+}
+
+void describeMenuJson(const KMenuBar& bar, const KMenu& menu, KJsonWriter& out)
+{
+    out.key("items");
+    out.beginArray();
+    for (const KMenuItemPtr& item : menu.getItems()) {
+        if (item->isSeparator())
+            continue;
+        out.beginObject();
+        KMenu* sub = item->getSubMenu();
+        out.member("id", sub ? -1 : item->getId());
+        out.member("title", item->getTitle());
+        out.member("key", keyText(*item));
+        out.member("enabled", bar.isLive(menu, *item) && (!sub || sub->isEnabled()));
+        out.member("checked", item->isChecked());
+        if (sub)
+            describeMenuJson(bar, *sub, out);
+        out.endObject();
+    }
+    out.endArray();
 }
 
 } // namespace
@@ -94,4 +148,27 @@ KString StylusMenuBar::keyboardSummary() const
     for (const KMenuPtr& menu : getMenus())
         listKeys(*menu, text);
     return text;
+}
+
+std::string StylusMenuBar::describeText() const
+{
+    std::string out;
+    for (const KMenuPtr& menu : getMenus()) {
+        out += utf8(menu->getTitle()) + (areMenusEnabled() && menu->isEnabled() ? " on" : " off") + "\n";
+        describeMenuText(*this, *menu, 1, out);
+    }
+    return out;
+}
+
+void StylusMenuBar::describe(KJsonWriter& out) const
+{
+    out.beginArray();
+    for (const KMenuPtr& menu : getMenus()) {
+        out.beginObject();
+        out.member("title", menu->getTitle());
+        out.member("enabled", areMenusEnabled() && menu->isEnabled());
+        describeMenuJson(*this, *menu, out);
+        out.endObject();
+    }
+    out.endArray();
 }

@@ -3,6 +3,9 @@
 #include "windowing/KMenuBar.h"
 
 #include <functional>
+#include <string>
+
+class KJsonWriter;
 
 class FileMenu;
 class EditMenu;
@@ -45,6 +48,15 @@ public:
     void update();
     // "Keyboard Commands Summary": every item with an accelerator.
     KString keyboardSummary() const;
+    // The model as it stands, one line an item, indented by sub-menu:
+    // `ID "TITLE" Ctrl+KEY on|off [checked]`, a dash for a separator; a
+    // menu's line is `TITLE on|off` (for the menu itself). "on" means the
+    // item can be chosen now.
+    std::string describeText() const;
+    // The same as JSON: an array of menus, each with "title", "enabled" and
+    // "items"; an item has "id", "title", "key" ("" or "Ctrl+S"),
+    // "enabled", "checked" and, for a sub-menu, "items".
+    void describe(KJsonWriter& out) const;
 
 private:
     Hooks hookTable;

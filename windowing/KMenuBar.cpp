@@ -237,7 +237,8 @@ KEventReturn KMenuBar::choose(KMenu& menu, KMenuItem& item)
     KEventReturn result = type == KMenuEvent::ItemChosen ? menu.doMenuItem(*event) : 0;
     if (result == 0)
         result = event->processByApplication();
-    refresh();
+    // What the command changed shows at once, even with no menu opened.
+    openAll();
     return result;
 }
 
