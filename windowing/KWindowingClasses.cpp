@@ -120,7 +120,7 @@ void kRegisterWindowingClasses()
     for (KClass* live : { KWindow::classRecord, KWindowManager::classRecord, KInteractiveElement::classRecord,
                           KCursorManager::classRecord, KKeyboardManager::classRecord, KClipboardManager::classRecord,
                           KDialogHandler::classRecord, KApplication::classRecord, KTimerManager::classRecord,
-                          KEvent::classRecord, KTextFormatMenu::classRecord, KMenuItem::classRecord,
-                          KMenu::classRecord, KMenuBar::classRecord, KMenuManager::classRecord })
+                          KEvent::classRecord, KTextFormatMenu::classRecord, KMenuItem::classRecord, KMenu::classRecord,
+                          KMenuBar::classRecord, KMenuManager::classRecord })
         live->setTransient();
 }

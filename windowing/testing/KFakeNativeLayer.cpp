@@ -528,7 +528,10 @@ void KFakeNativeLayer::showMenuBar(void* window, bool shown)
 
 void KFakeNativeLayer::removeMenuBar(void* window) { menuBars.erase(window); }
 
-void KFakeNativeLayer::editControlText(void* control, KNativeTextEdit edit) { sentTextEdits.emplace_back(control, edit); }
+void KFakeNativeLayer::editControlText(void* control, KNativeTextEdit edit)
+{
+    sentTextEdits.emplace_back(control, edit);
+}
 
 const KFakeNativeLayer::MenuBar* KFakeNativeLayer::menuBarOf(void* window) const
 {
