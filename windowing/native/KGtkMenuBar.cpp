@@ -212,6 +212,7 @@ void KGtkNativeLayer::setMenuBar(void* window, const std::vector<KNativeMenuItem
     handle->menuStrip = strip;
     gtk_widget_show_all(strip->bar);
     gtk_widget_set_visible(strip->bar, shown);
+    kGtkRefitFrame(*handle);
 }
 
 void KGtkNativeLayer::updateMenuBar(void* window, const std::vector<KNativeMenuItem>& menus)
@@ -227,8 +228,11 @@ void KGtkNativeLayer::showMenuBar(void* window, bool shown)
     auto* handle = static_cast<KGtkWindowHandle*>(window);
     if (!hasDisplay() || !handle || !handle->menuStrip)
         return;
+    if (handle->menuStrip->shown == shown)
+        return;
     handle->menuStrip->shown = shown;
     gtk_widget_set_visible(handle->menuStrip->bar, shown);
+    kGtkRefitFrame(*handle);
 }
 
 void KGtkNativeLayer::removeMenuBar(void* window)

@@ -396,6 +396,7 @@ void styleFrame(KGtkWindowHandle* handle, const KNativeWindowSetup& setup, GtkWi
 
 void sizeFrame(KGtkWindowHandle* handle, const KNativeRect& client)
 {
+    handle->client = client;
     int32_t width = std::max(client.width, 1);
     int32_t height = std::max(client.height, 1);
     if (handle->resizable) {
@@ -409,6 +410,12 @@ void sizeFrame(KGtkWindowHandle* handle, const KNativeRect& client)
 }
 
 } // namespace
+
+void kGtkRefitFrame(KGtkWindowHandle& window)
+{
+    if (window.client.width > 0 && window.client.height > 0)
+        sizeFrame(&window, window.client);
+}
 
 KGtkNativeLayer::KGtkNativeLayer() = default;
 
@@ -622,7 +629,7 @@ void KGtkNativeLayer::restackWindows(const std::vector<void*>& backToFront)
 void KGtkNativeLayer::setWindowEnabled(void* handle, bool enabled)
 {
     if (display)
-        gtk_widget_set_sensitive(static_cast<KGtkWindowHandle*>(handle)->overlay, enabled);
+        gtk_widget_set_sensitive(static_cast<KGtkWindowHandle*>(handle)->box, enabled);
 }
 
 void KGtkNativeLayer::setWindowModal(void* handle, bool modal)

@@ -40,7 +40,13 @@ struct KGtkWindowHandle {
     int32_t lastHeight = -1;
     std::map<guint16, KGtkHeldKey> heldKeys;
     KGtkMenuStrip* menuStrip = nullptr;
+    // The client size last asked for.
+    KNativeRect client;
 };
+
+// Sizes the window again for the client size last asked for, after the
+// menu strip came, went, showed or hid.
+void kGtkRefitFrame(KGtkWindowHandle& window);
 
 // The client area's height plus the menu strip's, when it shows.
 int32_t kGtkMenuStripHeight(const KGtkWindowHandle& window);
