@@ -2,6 +2,7 @@
 
 #include "app/StylusActions.h"
 #include "app/StylusApplication.h"
+#include "app/StylusMenuBar.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
 #include "graphics/KColor.h"
@@ -104,6 +105,23 @@ void describeBrush(KJsonWriter& out)
     out.endObject();
 }
 
+// The menus as the user would find them on opening each one now.
+void describeMenus(KJsonWriter& out, StylusApplication& application)
+{
+    StylusMenuBar* bar = application.getStylusMenuBar();
+    out.key("menuBar");
+    if (!bar) {
+        out.nullValue();
+        return;
+    }
+    bar->update();
+    out.beginObject();
+    out.member("shown", bar->isShown());
+    out.key("menus");
+    bar->describe(out);
+    out.endObject();
+}
+
 } // namespace
 
 StateFile::StateFile()
@@ -140,6 +158,7 @@ std::string StateFile::describe(StylusApplication& application)
     out.member("highlightShown", window ? window->isHighlightShown() : false);
     KCursorManager* cursors = KCursorManager::current();
     out.member("cursorVisible", !(cursors && cursors->isCursorHidden()));
+    describeMenus(out, application);
     out.endObject();
     return out.getText();
 }

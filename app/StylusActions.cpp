@@ -117,6 +117,8 @@ void StylusActions::afterProjectChange()
 
 bool StylusActions::isUntitled() const { return !project || !project->hasFile(); }
 
+KString StylusActions::getProjectName() const { return project ? projectName(*project) : KString(); }
+
 bool StylusActions::hasChanges() const { return tape() && tape()->isModified(); }
 
 bool StylusActions::canSave() const

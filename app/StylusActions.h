@@ -57,6 +57,8 @@ public:
     // untitled state at start, or a project opened elsewhere.
     void installProject(StylusProject& opened);
     bool isUntitled() const;
+    // The project's name as its titles show it; empty while untitled.
+    KString getProjectName() const;
     // The tape has changes that were not saved.
     bool hasChanges() const;
     // Save is offered when there are changes, or an untitled story holds
@@ -138,6 +140,9 @@ public:
     void finishPastePlacement(bool accept);
     void toggleMenuStrip();
     bool isMenuStripShown() const { return menuStripShown; }
+    // The menu bar shows or hides for the play and the screen, and its
+    // items follow the state.
+    void updateMenuBar();
 
 private:
     StylusWindow* window() const;

@@ -3,6 +3,7 @@
 #include "app/ProjectFiles.h"
 #include "app/StylusActions.h"
 #include "app/StylusApplication.h"
+#include "app/StylusMenuBar.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
 #include "app/UiText.h"
@@ -23,6 +24,7 @@
 #include "windowing/KApplication.h"
 #include "windowing/KDialogHandler.h"
 #include "windowing/KNativeLayer.h"
+#include "windowing/KWindowManager.h"
 
 #include <algorithm>
 
@@ -63,6 +65,7 @@ void StylusActions::play(bool fromPosition, bool fullScreen, bool quitAfter)
     int32_t start = fromPosition ? std::max(0, played->getPosition() - 1) : 0;
     played->startPlaying(start);
     shown->enterPlayMode();
+    updateMenuBar();
 }
 
 void StylusActions::stopPlay()
@@ -86,6 +89,7 @@ void StylusActions::stopPlay()
     playEnteredFullScreen = false;
     if (shown)
         shown->updateBrushPosition();
+    updateMenuBar();
     if (quitAfterPlay) {
         quitAfterPlay = false;
         if (KApplication* running = KApplication::current())
@@ -168,22 +172,6 @@ void StylusActions::moveToolPalette()
         KGraphicRectangle(int16_t(std::max(0, x)), int16_t(std::max(0, y)), frame.width, frame.height));
 }
 
-bool StylusActions::canInsertElement(int32_t kind) const
-{
-    StylusWindow* shown = window();
-    if (!shown || !tape() || !tapeIsIdle())
-        return false;
-    switch (shown->getWindowMode()) {
-    case WindowMode::TapeEditing:
-        return kind == WaitType || kind == TextType || kind == SpeechType || kind == PauseType || kind == SoundType
-               || kind == PageTransitionType || kind == MovieType || kind == ImageType;
-    case WindowMode::ActorEditing:
-        return kind == TextType || kind == ImageType || kind == SoundType || kind == SpeechType;
-    default:
-        return false;
-    }
-}
-
 void StylusActions::modifyCurrentElement()
 {
     if (!tape() || !tapeIsIdle())
@@ -194,6 +182,36 @@ void StylusActions::modifyCurrentElement()
 
 // Until the element dialogs exist, the elements that need nothing from the
 // user go in with their defaults, and a sound asks only for its file.
+bool StylusActions::canInsertElement(int32_t kind) const
+{
+    StylusWindow* shown = window();
+    KWindowManager* manager = KWindowManager::current();
+    if (!shown || !tape() || !tapeIsIdle() || (manager && manager->getModalCount() > 0))
+        return false;
+    WindowMode mode = shown->getWindowMode();
+    if (mode == WindowMode::ActorEditing && kind != TextType && kind != ImageType && kind != SoundType
+        && kind != SpeechType)
+        return false;
+    if (mode != WindowMode::TapeEditing && mode != WindowMode::ActorEditing)
+        return false;
+    switch (kind) {
+    case TextType:
+        return shown->getEditMode() != EditMode::Text;
+    case WaitType:
+    case SpeechType:
+    case PauseType:
+    case SoundType:
+        return true;
+    case PageTransitionType:
+    case MovieType:
+    case ImageType:
+        // These need their dialogs to be made.
+        return bool(hookTable.insertWithDialog);
+    default:
+        return false;
+    }
+}
+
 void StylusActions::insertElement(int32_t kind)
 {
     if (!tape() || !tapeIsIdle() || kind < 1 || kind > 10 || kind == 2 || kind == 8)
@@ -307,4 +325,16 @@ void StylusActions::elementAdded() { tellChanged(); }
 
 void StylusActions::finishPastePlacement(bool) { }
 
-void StylusActions::toggleMenuStrip() { menuStripShown = !menuStripShown; }
+void StylusActions::toggleMenuStrip()
+{
+    menuStripShown = !menuStripShown;
+    updateMenuBar();
+}
+
+void StylusActions::updateMenuBar()
+{
+    if (StylusMenuBar* bar = StylusMenuBar::current()) {
+        bar->updateShown();
+        bar->update();
+    }
+}

@@ -1,6 +1,12 @@
 #include "app/StylusApplication.h"
 
+#include "app/ActorsMenu.h"
+#include "app/AnimMenu.h"
 #include "app/AppClasses.h"
+#include "app/EditMenu.h"
+#include "app/FileMenu.h"
+#include "app/FormatMenu.h"
+#include "app/ItemsMenu.h"
 #include "app/KEditSoundNameDialog.h"
 #include "app/KLevelMeterControl.h"
 #include "app/KSoundHiliteEditorDialog.h"
@@ -16,6 +22,7 @@
 #include "app/StateFile.h"
 #include "app/StylusActions.h"
 #include "app/StylusColorButtonControl.h"
+#include "app/StylusMenuBar.h"
 #include "app/StylusTapeHost.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
@@ -41,6 +48,7 @@
 #include "windowing/KEvent.h"
 #include "windowing/KFormatEvent.h"
 #include "windowing/KMenuEvent.h"
+#include "windowing/KMenuManager.h"
 #include "windowing/KNativeLayer.h"
 #include "windowing/KTextFormatMenu.h"
 #include "windowing/KWindow.h"
@@ -127,6 +135,10 @@ void StylusApplication::registerClasses()
     KSoundRecordDialog::registerClass();
     KEditSoundNameDialog::registerClass();
     KLevelMeterControl::registerClass();
+    StylusMenuBar::registerClass()->setTransient();
+    for (KClass* menu : { FileMenu::registerClass(), EditMenu::registerClass(), ItemsMenu::registerClass(),
+                          FormatMenu::registerClass(), AnimMenu::registerClass(), ActorsMenu::registerClass() })
+        menu->setTransient();
 }
 
 // --- Start --------------------------------------------------------------------
@@ -168,6 +180,7 @@ void StylusApplication::doInit()
     if (window) {
         window->show(true);
         window->finishOpen();
+        installMenuBar(*window);
     }
     toolPalette->open(KWindow::OpenMode::Normal);
     toolPalette->finishOpen();
@@ -392,6 +405,18 @@ KGraphicSize StylusApplication::newDocumentPageSize() const
 
 StylusActions* StylusApplication::getActions() const { return actions.get(); }
 
+StylusMenuBar* StylusApplication::getStylusMenuBar() const { return menuBar.get(); }
+
+void StylusApplication::installMenuBar(StylusWindow& window)
+{
+    menuBar = kAdopt(new StylusMenuBar());
+    if (KMenuManager* menus = KMenuManager::current())
+        menus->setMenuBar(menuBar.get());
+    menuBar->install(window);
+    menuBar->updateShown();
+    menuBar->update();
+}
+
 ToolPalette* StylusApplication::getToolPalette() const { return toolPalette.get(); }
 
 StylusProject* StylusApplication::getProject() const { return actions ? actions->getProject() : nullptr; }
@@ -457,6 +482,10 @@ KEventReturn StylusApplication::doDeactivate(KApplicationEvent&)
 
 KEventReturn StylusApplication::doHelp(KMenuEvent& event)
 {
+    if (event.getItemId() == KMenuBar::KeyboardSummary && menuBar) {
+        alert(uiText("Keyboard Commands Summary"), menuBar->keyboardSummary());
+        return 1;
+    }
     if (event.getItemId() == kWriteLocalizerCommand) {
         if (KLocalizer* localizer = kBaseLocalizer()) {
             KFileReference file(KPath(absolutePath("ST_LOCALIZER_DATABASE.KLF"), KPath::kHostPlatform));
@@ -499,6 +528,8 @@ void StylusApplication::setFullScreen(bool on)
     }
     fullScreen = on;
     window->setFullScreenShown(on);
+    if (menuBar)
+        menuBar->updateShown();
 }
 
 // --- Failures -----------------------------------------------------------------
@@ -566,6 +597,12 @@ void StylusApplication::doExit()
     if (toolPalette) {
         toolPalette->close();
         toolPalette.clear();
+    }
+    if (menuBar) {
+        if (KMenuManager* menus = KMenuManager::current())
+            menus->setMenuBar(nullptr);
+        menuBar->uninstall();
+        menuBar.clear();
     }
     actions.clear();
     formatMenu.clear();

@@ -19,6 +19,7 @@ class StylusActions;
 class StylusWindow;
 class RecoveryCopy;
 class StateFile;
+class StylusMenuBar;
 
 // TaleLoom's application object: the start-up and exit sequences, the
 // preferences, the document folder, the file types, the command line and
@@ -55,6 +56,10 @@ public:
 
     ToolPalette* getToolPalette() const;
     StylusActions* getActions() const;
+    StylusMenuBar* getStylusMenuBar() const;
+    // Builds the menus in the present language and puts them on the main
+    // window: at the start, and again when the language changes.
+    void installMenuBar(StylusWindow& window);
     // The open story; never null after the start.
     StylusProject* getProject() const;
 
@@ -124,6 +129,7 @@ private:
     KGraphicRectangle windowBounds;
     KPtr<ToolPalette> toolPalette;
     KPtr<StylusActions> actions;
+    KPtr<StylusMenuBar> menuBar;
     KMediaManagerPtr mediaManager;
     KTextFormatMenuPtr formatMenu;
     TextDefaults textDefaults;

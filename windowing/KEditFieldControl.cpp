@@ -118,6 +118,12 @@ KEditFieldControl::KEditFieldControl(int32_t id, const KWideRectangle& bounds, i
 
 KEditFieldControl::~KEditFieldControl() = default;
 
+void KEditFieldControl::editText(KNativeTextEdit edit)
+{
+    if (hasNativePart())
+        KNativeLayer::get().editControlText(getNativeControl(), edit);
+}
+
 void KEditFieldControl::setFormatMenu(KTextFormatMenu* menu) { formatMenu = menu; }
 
 KTextFormatMenu* KEditFieldControl::getFormatMenu() const { return formatMenu.get(); }

@@ -4,6 +4,7 @@
 #include "graphics/KTextBlock.h"
 #include "graphics/KTextStyle.h"
 #include "windowing/KControl.h"
+#include "windowing/KNativeTypes.h"
 #include "windowing/KWindowingForward.h"
 
 // A text field typed into in place. Mode 3 holds styled text of several
@@ -44,6 +45,9 @@ public:
     // would take at the caret.
     KTextStyle getSelectionStyle() const;
     int16_t getAlignment() const;
+
+    // The clipboard commands on the selection, done by the native field.
+    void editText(KNativeTextEdit edit);
 
     // --- Style changes (the selection's; the alignment is the whole's) --------
     void setFontFace(const KString& family);

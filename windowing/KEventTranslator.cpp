@@ -3,6 +3,7 @@
 #include "windowing/KApplication.h"
 #include "windowing/KApplicationEvent.h"
 #include "windowing/KKeyEvent.h"
+#include "windowing/KMenuEvent.h"
 #include "windowing/KMouseEvent.h"
 #include "windowing/KNativeEvent.h"
 #include "windowing/KNativeLayer.h"
@@ -284,6 +285,13 @@ KEvent* postedDataEvent(const KNativeRecord& record)
     return event;
 }
 
+KEvent* menuEvent(int32_t type, const KNativeRecord& record)
+{
+    auto* event = new KMenuEvent(type);
+    event->setItemId(record.param1);
+    return event;
+}
+
 KEvent* otherMessage(const KNativeRecord& record)
 {
     if (auto handler = kServices().nativeMessage)
@@ -325,9 +333,13 @@ KEvent* translate(const KNativeRecord& record)
     case Message::CaptureChanged:
         return captureLostEvent(record);
     case Message::Command:
-        // From a control the record names its widget; a menu's goes to
-        // the menus' own handler.
-        return record.param2 != 0 ? new KNativeEvent(record) : otherMessage(record);
+        // From a control the record names its widget; from the menu bar it
+        // carries the item's command number.
+        return record.param2 != 0 ? new KNativeEvent(record) : menuEvent(KMenuEvent::ItemChosen, record);
+    case Message::MenuPopup:
+        return menuEvent(KMenuEvent::MenuOpen, record);
+    case Message::Accelerator:
+        return menuEvent(KMenuEvent::Accelerator, record);
     case Message::Timer:
         KNativeLayer::get().wakeUp();
         return nullptr;

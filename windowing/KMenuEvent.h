@@ -14,6 +14,8 @@ public:
         AboutChosen = 3,
         HelpChosen = 4,
         MenuBarItem = 5,
+        // A menu bar's accelerator was typed; the item number holds the key.
+        Accelerator = 6,
     };
 
     KMenuEvent();
@@ -29,10 +31,10 @@ public:
     void setItemId(int32_t value) { itemId = value; }
 
     KEventReturn process() override;
-
-private:
+    // The application's handler of the event's type, without the menus.
     KEventReturn processByApplication();
 
+private:
     KThingPtr menuBar;
     KThingPtr menu;
     KThingPtr item;

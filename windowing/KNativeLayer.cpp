@@ -69,6 +69,11 @@ void KNativeLayer::changeControlTextStyle(void*, const KNativeStyleChange&) { }
 void KNativeLayer::sendControlKey(void*, int32_t, int32_t) { }
 void KNativeLayer::focusControl(void*) { }
 int32_t KNativeLayer::popUpMenu(void*, const std::vector<KNativeMenuItem>&, int32_t, int32_t) { return 0; }
+void KNativeLayer::setMenuBar(void*, const std::vector<KNativeMenuItem>&) { }
+void KNativeLayer::updateMenuBar(void*, const std::vector<KNativeMenuItem>&) { }
+void KNativeLayer::showMenuBar(void*, bool) { }
+void KNativeLayer::removeMenuBar(void*) { }
+void KNativeLayer::editControlText(void*, KNativeTextEdit) { }
 
 void KNativeLayer::setCursorShape(KCursorShape) { }
 void KNativeLayer::setCursorVisible(bool) { }

@@ -110,6 +110,28 @@ public:
     // the user: the chosen item's number, or 0 when the menu was dismissed.
     virtual int32_t popUpMenu(void* window, const std::vector<KNativeMenuItem>& items, int32_t x, int32_t y);
 
+    // A strip of menus above the window's client area (the client area
+    // keeps its size). The top entries are the menus, their children the
+    // items; every id is a command number. The native side tells:
+    // - a menu about to be shown: a MenuPopup record with the menu's id in
+    //   param1, delivered at once so that the items can be updated before
+    //   the user sees them;
+    // - an item chosen: a Command record with the item's id in param1 and 0
+    //   in param2;
+    // - an accelerator typed in the window: an Accelerator record with the
+    //   key in param1. It comes whether its items are enabled or not and
+    //   whether the strip shows or not; the key then makes no key event.
+    // Installing a new tree replaces the window's strip.
+    virtual void setMenuBar(void* window, const std::vector<KNativeMenuItem>& menus);
+    // New titles, ticks and enabling for the items of the same ids; the
+    // tree given to setMenuBar stays.
+    virtual void updateMenuBar(void* window, const std::vector<KNativeMenuItem>& menus);
+    // A hidden strip leaves its accelerators working.
+    virtual void showMenuBar(void* window, bool shown);
+    virtual void removeMenuBar(void* window);
+    // The clipboard commands of a control that edits text.
+    virtual void editControlText(void* control, KNativeTextEdit edit);
+
     // --- Pointer ------------------------------------------------------------
     // The longest time between two presses of a double click, and the
     // distance within which they count as one place.

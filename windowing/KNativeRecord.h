@@ -58,6 +58,9 @@ enum : int32_t {
     HotKey = 0x0312,
     ClipboardUpdate = 0x031D,
     FileChange = 1123,
+    // A menu bar's accelerator: the key in param1 (an upper-case letter or
+    // a digit), the modifiers in param2.
+    Accelerator = 1124,
     PostedData = 32768,
 };
 }

@@ -120,18 +120,25 @@ struct KNativeStyleChange {
     int32_t alignment = 0;
 };
 
-// An item of a pop-up menu: a command with its number (never 0), a
-// separator, or a sub-menu of the children. A check item shows a tick
-// when `checked`.
+// An item of a pop-up menu or of a menu bar: a command with its number
+// (never 0), a separator, or a sub-menu of the children. A check item
+// shows a tick when `checked`, a round one when `radio`. An item of a menu
+// bar may have an accelerator: the character (an upper-case letter or a
+// digit) typed with Control.
 struct KNativeMenuItem {
     int32_t id = 0;
     std::string text;
     bool enabled = true;
     bool checkable = false;
     bool checked = false;
+    bool radio = false;
     bool separator = false;
+    int32_t accelerator = 0;
     std::vector<KNativeMenuItem> children;
 };
+
+// What a text control does with its selection and the clipboard.
+enum class KNativeTextEdit : int32_t { Cut, Copy, Paste, Clear };
 
 // The numbers of a control whose value lies between bounds: a spin field,
 // a slider, a scroll bar. The value runs from minimum to maximum; a scroll

@@ -30,7 +30,11 @@
 #include "windowing/KKeyboardManager.h"
 #include "windowing/KLayer.h"
 #include "windowing/KListNativeControl.h"
+#include "windowing/KMenu.h"
+#include "windowing/KMenuBar.h"
 #include "windowing/KMenuEvent.h"
+#include "windowing/KMenuItem.h"
+#include "windowing/KMenuManager.h"
 #include "windowing/KMouseEvent.h"
 #include "windowing/KMultiLineTextNativeControl.h"
 #include "windowing/KNativeEvent.h"
@@ -92,6 +96,10 @@ void kRegisterWindowingClasses()
     KImageControl::registerClass();
     KEditFieldControl::registerClass();
     KTextFormatMenu::registerClass();
+    KMenuItem::registerClass();
+    KMenu::registerClass();
+    KMenuBar::registerClass();
+    KMenuManager::registerClass();
     KCursorManager::registerClass();
     KKeyboardManager::registerClass();
     KClipboardManager::registerClass();
@@ -114,6 +122,7 @@ void kRegisterWindowingClasses()
     for (KClass* live : { KWindow::classRecord, KWindowManager::classRecord, KInteractiveElement::classRecord,
                           KCursorManager::classRecord, KKeyboardManager::classRecord, KClipboardManager::classRecord,
                           KDialogHandler::classRecord, KApplication::classRecord, KTimerManager::classRecord,
-                          KEvent::classRecord, KTextFormatMenu::classRecord })
+                          KEvent::classRecord, KTextFormatMenu::classRecord, KMenuItem::classRecord, KMenu::classRecord,
+                          KMenuBar::classRecord, KMenuManager::classRecord })
         live->setTransient();
 }

@@ -15,6 +15,8 @@
 #include "windowing/KKeyboardManager.h"
 #include "windowing/KLayer.h"
 #include "windowing/KMailslot.h"
+#include "windowing/KMenuEvent.h"
+#include "windowing/KMenuManager.h"
 #include "windowing/KMouseEvent.h"
 #include "windowing/KNativeEvent.h"
 #include "windowing/KServices.h"
@@ -139,6 +141,23 @@ void exportClipboard()
         clipboard->exportClipboard();
 }
 
+// --- Menus ------------------------------------------------------------------------------
+
+KEventReturn routeMenu(KMenuEvent& event)
+{
+    KMenuManager* menus = KMenuManager::current();
+    if (!menus)
+        return 0;
+    KMenuManagerPtr held(menus);
+    return menus->route(event);
+}
+
+void enableMenus(bool enabled)
+{
+    if (KMenuManager* menus = KMenuManager::current())
+        menus->enableMenus(enabled);
+}
+
 // --- Actions -----------------------------------------------------------------------------
 
 // The element, its parents, its layer, its window, the application; the
@@ -252,6 +271,7 @@ KEventReturn kksHandleWindowNativeEvent(KNativeEvent& event)
 void kInstallWindowingServices()
 {
     KServices& services = kServices();
+    fillManager(KServices::Menus, ManagerSlot<KMenuManager>::hooks());
     fillManager(KServices::Clipboard, ManagerSlot<KClipboardManager>::hooks());
     fillManager(KServices::Cursor, ManagerSlot<KCursorManager>::hooks());
     fillManager(KServices::Keyboard, ManagerSlot<KKeyboardManager>::hooks());
@@ -267,6 +287,8 @@ void kInstallWindowingServices()
     fill(services.pollMessages, &kPollMailslot);
     fill(services.routeMouse, &routeMouse);
     fill(services.routeKey, &routeKey);
+    fill(services.routeMenu, &routeMenu);
+    fill(services.enableMenus, &enableMenus);
     fill(services.routeAction, &routeAction);
     fill(services.routeControlAction, &routeControlAction);
     fill(services.focusWindow, &focusWindow);

@@ -51,7 +51,8 @@ gboolean onConfigure(GtkWidget*, GdkEventConfigure* event, gpointer data)
     if (event->x != handle->lastX || event->y != handle->lastY) {
         handle->lastX = event->x;
         handle->lastY = event->y;
-        deliver(handle, KNativeMessage::Move, event->x, event->y);
+        // The client area stands below the menu strip.
+        deliver(handle, KNativeMessage::Move, event->x, event->y + kGtkMenuStripHeight(*handle));
     }
     return FALSE;
 }
@@ -397,9 +398,12 @@ void styleFrame(KGtkWindowHandle* handle, const KNativeWindowSetup& setup, GtkWi
 
 void sizeFrame(KGtkWindowHandle* handle, const KNativeRect& client)
 {
+    handle->client = client;
     int32_t width = std::max(client.width, 1);
     int32_t height = std::max(client.height, 1);
     if (handle->resizable) {
+        // The window holds the menu strip above the client area.
+        height += kGtkMenuStripHeight(*handle);
         gtk_window_set_default_size(GTK_WINDOW(handle->window), width, height);
         gtk_window_resize(GTK_WINDOW(handle->window), width, height);
     } else {
@@ -408,6 +412,12 @@ void sizeFrame(KGtkWindowHandle* handle, const KNativeRect& client)
 }
 
 } // namespace
+
+void kGtkRefitFrame(KGtkWindowHandle& window)
+{
+    if (window.client.width > 0 && window.client.height > 0)
+        sizeFrame(&window, window.client);
+}
 
 KGtkNativeLayer::KGtkNativeLayer() = default;
 
@@ -539,7 +549,9 @@ void* KGtkNativeLayer::openWindow(KWindow& owner, const KNativeWindowSetup& setu
     gtk_container_add(GTK_CONTAINER(handle->overlay), handle->area);
     gtk_overlay_add_overlay(GTK_OVERLAY(handle->overlay), handle->fixed);
     gtk_overlay_set_overlay_pass_through(GTK_OVERLAY(handle->overlay), handle->fixed, TRUE);
-    gtk_container_add(GTK_CONTAINER(handle->window), handle->overlay);
+    handle->box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+    gtk_box_pack_end(GTK_BOX(handle->box), handle->overlay, TRUE, TRUE, 0);
+    gtk_container_add(GTK_CONTAINER(handle->window), handle->box);
     styleFrame(handle, setup, gtkWindowOf(setup.parent));
     sizeFrame(handle, setup.client);
     if (setup.centreOnParent && setup.parent)
@@ -547,7 +559,7 @@ void* KGtkNativeLayer::openWindow(KWindow& owner, const KNativeWindowSetup& setu
     else
         gtk_window_move(GTK_WINDOW(handle->window), setup.client.x, setup.client.y);
     connectWindowProcedure(handle);
-    gtk_widget_show_all(handle->overlay);
+    gtk_widget_show_all(handle->box);
     handles.push_back(handle);
     return handle;
 }
@@ -565,6 +577,7 @@ void KGtkNativeLayer::closeWindow(void* handle)
     g_signal_handlers_disconnect_by_data(gtkHandle->area, gtkHandle);
     // A focus-out may have queued the activation check with this handle.
     while (g_idle_remove_by_data(gtkHandle)) { }
+    kGtkDestroyMenuStrip(*gtkHandle);
     gtk_widget_destroy(gtkHandle->window);
     delete gtkHandle;
 }
@@ -598,7 +611,7 @@ void KGtkNativeLayer::setWindowBounds(void* handle, const KNativeRect& client)
     if (!display)
         return;
     auto* gtkHandle = static_cast<KGtkWindowHandle*>(handle);
-    gtk_window_move(GTK_WINDOW(gtkHandle->window), client.x, client.y);
+    gtk_window_move(GTK_WINDOW(gtkHandle->window), client.x, client.y - kGtkMenuStripHeight(*gtkHandle));
     sizeFrame(gtkHandle, client);
 }
 
@@ -618,7 +631,7 @@ void KGtkNativeLayer::restackWindows(const std::vector<void*>& backToFront)
 void KGtkNativeLayer::setWindowEnabled(void* handle, bool enabled)
 {
     if (display)
-        gtk_widget_set_sensitive(static_cast<KGtkWindowHandle*>(handle)->overlay, enabled);
+        gtk_widget_set_sensitive(static_cast<KGtkWindowHandle*>(handle)->box, enabled);
 }
 
 void KGtkNativeLayer::setWindowModal(void* handle, bool modal)

@@ -63,6 +63,11 @@ public:
     void sendControlKey(void* control, int32_t key, int32_t modifiers) override;
     void focusControl(void* control) override;
     int32_t popUpMenu(void* window, const std::vector<KNativeMenuItem>& items, int32_t x, int32_t y) override;
+    void setMenuBar(void* window, const std::vector<KNativeMenuItem>& menus) override;
+    void updateMenuBar(void* window, const std::vector<KNativeMenuItem>& menus) override;
+    void showMenuBar(void* window, bool shown) override;
+    void removeMenuBar(void* window) override;
+    void editControlText(void* control, KNativeTextEdit edit) override;
 
     int32_t doubleClickTime() const override;
     int32_t doubleClickDistance() const override;
@@ -85,6 +90,8 @@ public:
 
     // The GtkWindow behind a window handle; null without a display.
     GtkWidget* gtkWindowOf(void* handle) const;
+    // The window's GtkMenuBar, or null.
+    GtkWidget* gtkMenuBarOf(void* handle) const;
     // The drawing area that shows the window's back buffer.
     GtkWidget* gtkAreaOf(void* handle) const;
     // The widget of a control handle, as placed in its window (a text or a

@@ -10,6 +10,7 @@
 
 class KGtkNativeLayer;
 struct KGtkStyledState;
+struct KGtkMenuStrip;
 
 // What a window handle of the GTK layer is: the widgets of one KWindow and
 // what its signal handlers remember between calls.
@@ -28,6 +29,8 @@ struct KGtkWindowHandle {
     KNativeWindowKind kind = KNativeWindowKind::Normal;
     bool resizable = true;
     GtkWidget* window = nullptr;
+    // The menu strip over the overlay, when the window has one.
+    GtkWidget* box = nullptr;
     GtkWidget* overlay = nullptr;
     GtkWidget* area = nullptr;
     GtkWidget* fixed = nullptr;
@@ -36,7 +39,18 @@ struct KGtkWindowHandle {
     int32_t lastWidth = -1;
     int32_t lastHeight = -1;
     std::map<guint16, KGtkHeldKey> heldKeys;
+    KGtkMenuStrip* menuStrip = nullptr;
+    // The client size last asked for.
+    KNativeRect client;
 };
+
+// Sizes the window again for the client size last asked for, after the
+// menu strip came, went, showed or hid.
+void kGtkRefitFrame(KGtkWindowHandle& window);
+
+// The client area's height plus the menu strip's, when it shows.
+int32_t kGtkMenuStripHeight(const KGtkWindowHandle& window);
+void kGtkDestroyMenuStrip(KGtkWindowHandle& window);
 
 // A control handle: the widget placed in the window (cleared by GTK when
 // the widget goes), the inner widget that holds the value when it is not

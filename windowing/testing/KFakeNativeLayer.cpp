@@ -158,6 +158,7 @@ void KFakeNativeLayer::closeWindow(void* handle)
     window->open = false;
     window->visible = false;
     window->owner = nullptr;
+    menuBars.erase(handle);
     for (auto& control : madeControls) {
         if (control->window == handle)
             control->alive = false;
@@ -459,6 +460,135 @@ int32_t KFakeNativeLayer::popUpMenu(void* window, const std::vector<KNativeMenuI
     int32_t answer = menuAnswers.front();
     menuAnswers.pop_front();
     return answer;
+}
+
+// --- Menu strips ---------------------------------------------------------------
+
+namespace {
+
+void applyUpdate(std::vector<KNativeMenuItem>& shown, const std::vector<KNativeMenuItem>& update)
+{
+    for (KNativeMenuItem& item : shown) {
+        if (item.id != 0) {
+            if (const KNativeMenuItem* fresh = KFakeNativeLayer::findMenuItem(update, item.id)) {
+                item.text = fresh->text;
+                item.enabled = fresh->enabled;
+                item.checked = fresh->checked;
+            }
+        }
+        applyUpdate(item.children, update);
+    }
+}
+
+bool hasAccelerator(const std::vector<KNativeMenuItem>& items, int32_t key)
+{
+    for (const KNativeMenuItem& item : items) {
+        if ((item.accelerator != 0 && item.accelerator == key) || hasAccelerator(item.children, key))
+            return true;
+    }
+    return false;
+}
+
+} // namespace
+
+const KNativeMenuItem* KFakeNativeLayer::findMenuItem(const std::vector<KNativeMenuItem>& items, int32_t id)
+{
+    for (const KNativeMenuItem& item : items) {
+        if (item.id == id && !item.separator)
+            return &item;
+        if (const KNativeMenuItem* inside = findMenuItem(item.children, id))
+            return inside;
+    }
+    return nullptr;
+}
+
+void KFakeNativeLayer::setMenuBar(void* window, const std::vector<KNativeMenuItem>& menus)
+{
+    MenuBar& bar = menuBars[window];
+    bar.menus = menus;
+    bar.installed = true;
+}
+
+// Like a real strip, an update changes what is there and adds nothing.
+void KFakeNativeLayer::updateMenuBar(void* window, const std::vector<KNativeMenuItem>& menus)
+{
+    auto found = menuBars.find(window);
+    if (found == menuBars.end() || !found->second.installed)
+        return;
+    applyUpdate(found->second.menus, menus);
+    ++found->second.updates;
+}
+
+void KFakeNativeLayer::showMenuBar(void* window, bool shown)
+{
+    auto found = menuBars.find(window);
+    if (found != menuBars.end())
+        found->second.shown = shown;
+}
+
+void KFakeNativeLayer::removeMenuBar(void* window) { menuBars.erase(window); }
+
+void KFakeNativeLayer::editControlText(void* control, KNativeTextEdit edit)
+{
+    sentTextEdits.emplace_back(control, edit);
+}
+
+const KFakeNativeLayer::MenuBar* KFakeNativeLayer::menuBarOf(void* window) const
+{
+    auto found = menuBars.find(window);
+    return found == menuBars.end() ? nullptr : &found->second;
+}
+
+bool KFakeNativeLayer::openMenu(void* window, int32_t id)
+{
+    const MenuBar* bar = menuBarOf(window);
+    const Window* shown = windowOf(window);
+    if (!bar || !bar->shown || !shown || !shown->owner)
+        return false;
+    bool isMenu = false;
+    for (const KNativeMenuItem& menu : bar->menus)
+        isMenu = isMenu || menu.id == id;
+    if (!isMenu)
+        return false;
+    KNativeRecord record;
+    record.window = shown->owner;
+    record.message = KNativeMessage::MenuPopup;
+    record.param1 = id;
+    record.time = clock;
+    kksDeliverNativeRecord(record);
+    return true;
+}
+
+bool KFakeNativeLayer::chooseMenuItem(void* window, int32_t id)
+{
+    const MenuBar* bar = menuBarOf(window);
+    const Window* shown = windowOf(window);
+    const KNativeMenuItem* item = bar ? findMenuItem(bar->menus, id) : nullptr;
+    if (!bar || !bar->shown || !item || !item->enabled || !item->children.empty() || !shown || !shown->owner)
+        return false;
+    KNativeRecord record;
+    record.window = shown->owner;
+    record.message = KNativeMessage::Command;
+    record.param1 = id;
+    record.time = clock;
+    kksDeliverNativeRecord(record);
+    return true;
+}
+
+bool KFakeNativeLayer::typeAccelerator(void* window, int32_t key)
+{
+    const MenuBar* bar = menuBarOf(window);
+    const Window* shown = windowOf(window);
+    if (!bar || !shown || !shown->owner || !hasAccelerator(bar->menus, key))
+        return false;
+    KNativeRecord record;
+    record.window = shown->owner;
+    record.message = KNativeMessage::Accelerator;
+    record.param1 = key;
+    record.param2 = 2;
+    record.time = clock;
+    kksDeliverNativeRecord(record);
+    return true;
 }
 
 KFakeNativeLayer::Control* KFakeNativeLayer::liveControl(void* handle)

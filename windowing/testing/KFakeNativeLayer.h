@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 // A native layer for tests: native records come from a script the test
@@ -61,6 +62,14 @@ public:
         std::vector<KNativeMenuItem> items;
         int32_t x = 0;
         int32_t y = 0;
+    };
+    // A window's menu strip: the tree as installed, with the titles, ticks
+    // and enabling of the last update.
+    struct MenuBar {
+        std::vector<KNativeMenuItem> menus;
+        bool shown = true;
+        bool installed = false;
+        int32_t updates = 0;
     };
     // What a chooser answers: a path, or a cancel.
     struct ChooserAnswer {
@@ -115,6 +124,11 @@ public:
     void sendControlKey(void* control, int32_t key, int32_t modifiers) override;
     void focusControl(void* control) override;
     int32_t popUpMenu(void* window, const std::vector<KNativeMenuItem>& items, int32_t x, int32_t y) override;
+    void setMenuBar(void* window, const std::vector<KNativeMenuItem>& menus) override;
+    void updateMenuBar(void* window, const std::vector<KNativeMenuItem>& menus) override;
+    void showMenuBar(void* window, bool shown) override;
+    void removeMenuBar(void* window) override;
+    void editControlText(void* control, KNativeTextEdit edit) override;
     int32_t doubleClickTime() const override { return doubleClickMs; }
     int32_t doubleClickDistance() const override { return doubleClickPixels; }
     void setCursorShape(KCursorShape shape) override { cursorShapeValue = shape; }
@@ -200,6 +214,23 @@ public:
     void answerPopUpMenu(int32_t item) { menuAnswers.push_back(item); }
     const std::vector<Menu>& popUpMenus() const { return shownMenus; }
 
+    // The window's menu strip, or null.
+    const MenuBar* menuBarOf(void* window) const;
+    // The item (or menu) of the id in a tree, or null.
+    static const KNativeMenuItem* findMenuItem(const std::vector<KNativeMenuItem>& items, int32_t id);
+    // The user opens a menu of the strip: its MenuPopup record, delivered at
+    // once. False when the strip is hidden or has no such menu.
+    bool openMenu(void* window, int32_t id);
+    // The user clicks an item: its Command record. False when the strip is
+    // hidden or the item is not there or greyed.
+    bool chooseMenuItem(void* window, int32_t id);
+    // Control and the key typed in the window: an Accelerator record when
+    // an item of the strip has the key, shown or not, enabled or not. False
+    // when no item has it (the key would go on as a key).
+    bool typeAccelerator(void* window, int32_t key);
+    // The clipboard commands sent to text controls, in order.
+    const std::vector<std::pair<void*, KNativeTextEdit>>& textEdits() const { return sentTextEdits; }
+
     void setScreenSize(int32_t width, int32_t height);
     void setDoubleClick(int32_t milliseconds, int32_t pixels);
     KCursorShape cursorShape() const { return cursorShapeValue; }
@@ -281,6 +312,8 @@ private:
     std::deque<int32_t> boxAnswers;
     std::deque<int32_t> menuAnswers;
     std::vector<Menu> shownMenus;
+    std::map<void*, MenuBar> menuBars;
+    std::vector<std::pair<void*, KNativeTextEdit>> sentTextEdits;
     void* focus = nullptr;
     std::vector<KNativeAlertRequest> shownAlerts;
     int32_t beeps = 0;

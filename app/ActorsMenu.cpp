@@ -1,0 +1,146 @@
+#include "app/ActorsMenu.h"
+
+#include "app/StylusMenuRules.h"
+#include "app/UiText.h"
+#include "kernel/KClass.h"
+#include "windowing/KMenuEvent.h"
+
+// A sub-menu whose items the Actors menu carries out and enables.
+class ActorsMenu::Part : public KMenu {
+public:
+    Part(ActorsMenu& owner, const KString& title)
+        : KMenu(title)
+        , owner(&owner)
+    {
+    }
+    KEventReturn doOpen(KMenuEvent&) override { return 1; }
+    KEventReturn doMenuItem(KMenuEvent& event) override { return owner ? owner->doMenuItem(event) : 0; }
+
+private:
+    // The Actors menu holds its parts; a part never outlives it.
+    ActorsMenu* owner;
+};
+
+K_DEFINE_CLASS(ActorsMenu, KMenu)
+
+ActorsMenu::ActorsMenu()
+    : KMenu(uiText("Actors"))
+    , movement(kAdopt(new Part(*this, uiText("Movement"))))
+    , frame(kAdopt(new Part(*this, uiText("Frame"))))
+    , background(kAdopt(new Part(*this, uiText("Window Background"))))
+{
+    addItem(NewActor, withEllipsis(uiText("New Actor")));
+    addItem(ImportActor, withEllipsis(uiText("Import Actor To Project")));
+    addItem(DuplicateActor, withEllipsis(uiText("Duplicate Actor")));
+    addItem(EditActor, withEllipsis(uiText("Edit Actor")));
+    addSeparator();
+    addItem(SaveActor, uiText("Save"), 'S');
+    addItem(SaveActorAs, withEllipsis(uiText("Save As")));
+    addSeparator();
+
+    KMenu& moves = getMovementMenu();
+    moves.addItem(NewMovement, uiText("New Movement"));
+    moves.addItem(DuplicateMovement, uiText("Duplicate"));
+    moves.addSeparator();
+    moves.addItem(FlipMovementHorizontal, uiText("Flip Horizontal"));
+    moves.addItem(FlipMovementVertical, uiText("Flip Vertical"));
+    moves.addSeparator();
+    moves.addItem(RemoveMovement, withEllipsis(uiText("Remove")));
+    moves.addItem(EditParameters, withEllipsis(uiText("Edit Parameters")));
+    moves.addItem(EditOtherMovement, withEllipsis(uiText("Edit Other Movement")));
+    addSubMenu(uiText("Movement"), moves);
+
+    KMenu& frames = getFrameMenu();
+    frames.addItem(NewFrame, uiText("New Frame"));
+    frames.addItem(DuplicateFrame, uiText("Duplicate"));
+    frames.addSeparator();
+    frames.addItem(FlipFrameHorizontal, uiText("Flip Horizontal"));
+    frames.addItem(FlipFrameVertical, uiText("Flip Vertical"));
+    frames.addSeparator();
+    frames.addItem(RemoveFrame, withEllipsis(uiText("Remove")));
+    frames.addItem(EditOtherFrame, withEllipsis(uiText("Edit Other Frame")));
+    addSubMenu(uiText("Frame"), frames);
+    addSeparator();
+
+    KMenu& backgrounds = getBackgroundMenu();
+    backgrounds.addItem(BackgroundNone, uiText("None")).setCheckable(true, true);
+    backgrounds.addItem(BackgroundBlack, uiText("Black Chequered")).setCheckable(true, true);
+    backgrounds.addItem(BackgroundWhite, uiText("White Chequered")).setCheckable(true, true);
+    backgrounds.addItem(BackgroundCustom, withEllipsis(uiText("Custom Image"))).setCheckable(true, true);
+    backgrounds.addSeparator();
+    backgrounds.addItem(Stretch, uiText("Stretch")).setCheckable(true);
+    backgrounds.checkItem(BackgroundBlack, true);
+    backgrounds.checkItem(Stretch, true);
+    addSubMenu(uiText("Window Background"), backgrounds);
+    addSeparator();
+    addItem(EndActorEditing, uiText("End Actor Editing"));
+}
+
+ActorsMenu::~ActorsMenu() = default;
+
+KMenu& ActorsMenu::getMovementMenu() const { return *static_cast<KMenu*>(movement.get()); }
+
+KMenu& ActorsMenu::getFrameMenu() const { return *static_cast<KMenu*>(frame.get()); }
+
+KMenu& ActorsMenu::getBackgroundMenu() const { return *static_cast<KMenu*>(background.get()); }
+
+int32_t ActorsMenu::getBackgroundMode() const
+{
+    KMenu& backgrounds = getBackgroundMenu();
+    for (int32_t item : { BackgroundNone, BackgroundBlack, BackgroundWhite }) {
+        if (backgrounds.findItem(item)->isChecked())
+            return item - BackgroundNone;
+    }
+    return backgrounds.findItem(Stretch)->isChecked() ? 4 : 3;
+}
+
+// The actor commands themselves are still to come: only the window
+// background, which the menu keeps, works in actor editing.
+void ActorsMenu::openParts(bool actor)
+{
+    getMovementMenu().setEnabled(actor);
+    getFrameMenu().setEnabled(actor);
+    getBackgroundMenu().setEnabled(actor);
+    getMovementMenu().enableAllItems(false);
+    getFrameMenu().enableAllItems(false);
+    KMenu& backgrounds = getBackgroundMenu();
+    backgrounds.enableAllItems(actor);
+    backgrounds.enableItem(BackgroundCustom, false);
+}
+
+KEventReturn ActorsMenu::doOpen(KMenuEvent&)
+{
+    MenuState state = MenuState::now();
+    if (!beginMenuOpen(*this, state)) {
+        openParts(false);
+        return 1;
+    }
+    bool actor = state.actorEditing && !state.playing;
+    setItemTitle(SaveActor, saveTitle(state));
+    enableAllItems(false);
+    for (const KMenuItemPtr& item : getItems()) {
+        if (item->getSubMenu())
+            item->setEnabled(actor);
+    }
+    openParts(actor);
+    return 1;
+}
+
+KEventReturn ActorsMenu::doMenuItem(KMenuEvent& event)
+{
+    if (!mayRunMenuItem())
+        return 0;
+    int32_t id = event.getItemId();
+    KMenu& backgrounds = getBackgroundMenu();
+    if (id >= BackgroundNone && id <= BackgroundCustom) {
+        for (int32_t item = BackgroundNone; item <= BackgroundCustom; ++item)
+            backgrounds.checkItem(item, item == id);
+        return 1;
+    }
+    if (id == Stretch) {
+        KMenuItem* stretch = backgrounds.findItem(Stretch);
+        stretch->setChecked(!stretch->isChecked());
+        return 1;
+    }
+    return 0;
+}
