@@ -5,6 +5,7 @@
 #include "app/KSoundHiliteLoadDialog.h"
 #include "app/KSoundHiliteStrip.h"
 #include "app/KSpeechExceptionAddDialog.h"
+#include "app/ElementDialog.h"
 #include "app/KSpeechExceptionsDialog.h"
 #include "app/NewProjectDialog.h"
 #include "app/ProjectFiles.h"
@@ -119,6 +120,7 @@ void StylusApplication::registerClasses()
     KSoundHiliteEditorDialog::registerClass();
     KSoundHiliteLoadDialog::registerClass();
     KSoundHiliteStrip::registerClass();
+    ElementDialog::registerDialogClasses();
 }
 
 // --- Start --------------------------------------------------------------------
