@@ -134,8 +134,8 @@ void ElementDialog::addLabel(const KString& text, int32_t x, int32_t y, int32_t 
 KPtr<KSliderNativeControl> ElementDialog::addVolumeSlider(int32_t id, int32_t x, int32_t y, double volume)
 {
     addLabel(uiText("Volume"), x, y + 2, 70);
-    KPtr<KSliderNativeControl> slider = kAdopt(
-        new KSliderNativeControl(id, KWideRectangle(x + 74, y, 200, 24), 0, 100, sliderOfVolume(volume)));
+    KPtr<KSliderNativeControl> slider
+        = kAdopt(new KSliderNativeControl(id, KWideRectangle(x + 74, y, 200, 24), 0, 100, sliderOfVolume(volume)));
     addControl(*slider);
     return slider;
 }

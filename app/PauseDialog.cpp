@@ -37,8 +37,8 @@ void PauseDialog::makeControls()
 {
     const auto& pause = static_cast<const StylusPause&>(*getElement());
     addLabel(uiText("Pause (Seconds)"), 16, 22, 150);
-    secondsField = kAdopt(new KSpinFieldNativeControl(kSecondsId, KWideRectangle(170, 18, 120, 24), 0.0, kMaxSeconds,
-                                                      0.0));
+    secondsField
+        = kAdopt(new KSpinFieldNativeControl(kSecondsId, KWideRectangle(170, 18, 120, 24), 0.0, kMaxSeconds, 0.0));
     secondsField->setDecimals(2);
     secondsField->setStep(0.1);
     secondsField->setValue(pause.getDuration() / 1000.0);
@@ -60,7 +60,4 @@ int32_t PauseDialog::millisecondsOf(double seconds)
     return int32_t(std::trunc(std::min(seconds, kMaxSeconds) * 1000.0 + kFractionSlack));
 }
 
-void PauseDialog::applyValues()
-{
-    static_cast<StylusPause&>(*getElement()).setDuration(millisecondsOf(getSeconds()));
-}
+void PauseDialog::applyValues() { static_cast<StylusPause&>(*getElement()).setDuration(millisecondsOf(getSeconds())); }

@@ -35,8 +35,7 @@ bool isInFolder(const KFileReference& file, const KDirectory* folder)
 
 } // namespace
 
-bool importIntoMedia(const KFileReference& chosen, KDirectory* media, const KString& title,
-                     KFileReference& imported)
+bool importIntoMedia(const KFileReference& chosen, KDirectory* media, const KString& title, KFileReference& imported)
 {
     if (!media || isInFolder(chosen, media)) {
         imported = chosen;

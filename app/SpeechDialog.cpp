@@ -37,7 +37,8 @@ KString replaced(const KString& text, char from, char to)
 bool elementTextIsBlank(const KString& text)
 {
     std::string bytes(text.c_str(), size_t(text.getLength()));
-    return std::all_of(bytes.begin(), bytes.end(), [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });
+    return std::all_of(bytes.begin(), bytes.end(),
+                       [](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });
 }
 
 KString textForField(const KString& text) { return replaced(text, '\r', '\n'); }
@@ -73,8 +74,8 @@ void SpeechDialog::makeControls()
 {
     const auto& speech = static_cast<const StylusSpeech&>(*getElement());
     addLabel(uiText("Text"), 16, 16, 80);
-    textField = kAdopt(new KMultiLineTextNativeControl(kTextId, textForField(speech.getText()),
-                                                       KWideRectangle(100, 14, 304, 70)));
+    textField = kAdopt(
+        new KMultiLineTextNativeControl(kTextId, textForField(speech.getText()), KWideRectangle(100, 14, 304, 70)));
     addControl(*textField);
     addLabel(uiText("Voice"), 16, 100, 80);
     voices = voicesFor(speech.getVoice());

@@ -1,11 +1,11 @@
 #include "app/StylusApplication.h"
 
 #include "app/AppClasses.h"
+#include "app/ElementDialog.h"
 #include "app/KSoundHiliteEditorDialog.h"
 #include "app/KSoundHiliteLoadDialog.h"
 #include "app/KSoundHiliteStrip.h"
 #include "app/KSpeechExceptionAddDialog.h"
-#include "app/ElementDialog.h"
 #include "app/KSpeechExceptionsDialog.h"
 #include "app/NewProjectDialog.h"
 #include "app/ProjectFiles.h"

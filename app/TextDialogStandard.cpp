@@ -64,8 +64,8 @@ bool TextDialogStandard::takesElement(const TapeObject& candidate) const
 void TextDialogStandard::makeControls()
 {
     const auto& text = static_cast<const StylusText&>(*getElement());
-    const bool values[BoxCount] = { text.isTransparent(), text.getSpeaks(), text.getWaitForEnd(),
-                                    text.getMarksWords(), text.getUsesRecording() };
+    const bool values[BoxCount] = { text.isTransparent(), text.getSpeaks(), text.getWaitForEnd(), text.getMarksWords(),
+                                    text.getUsesRecording() };
     for (int32_t i = 0; i < BoxCount; ++i) {
         const BoxPlace& place = kBoxes[i];
         boxes[i] = kAdopt(new KCheckBoxNativeControl(kFirstBoxId + i, uiTranslate(place.text),
@@ -86,11 +86,11 @@ void TextDialogStandard::makeControls()
     addControl(*stopButton);
     volumeSlider = addVolumeSlider(kVolumeId, 36, 144, text.getVolume());
     addLabel(uiText("Highlight Color"), 200, 186, 120);
-    markSwatch = kAdopt(new KColourSwatchNativeControl(kMarkColourId, KWideRectangle(326, 184, 40, 22),
-                                                       text.getMarkColour()));
+    markSwatch
+        = kAdopt(new KColourSwatchNativeControl(kMarkColourId, KWideRectangle(326, 184, 40, 22), text.getMarkColour()));
     addControl(*markSwatch);
-    hiliteButton = kAdopt(
-        new KButtonNativeControl(kHiliteId, uiText("Sound Highlight..."), KWideRectangle(200, 218, 150, 22)));
+    hiliteButton
+        = kAdopt(new KButtonNativeControl(kHiliteId, uiText("Sound Highlight..."), KWideRectangle(200, 218, 150, 22)));
     addControl(*hiliteButton);
 }
 
@@ -109,10 +109,7 @@ KColor TextDialogStandard::getMarkColour() const
     return markSwatch ? markSwatch->getColour() : static_cast<const StylusText&>(*getElement()).getMarkColour();
 }
 
-int32_t TextDialogStandard::getVolumePosition() const
-{
-    return volumeSlider ? volumeSlider->getIntegerValue() : 0;
-}
+int32_t TextDialogStandard::getVolumePosition() const { return volumeSlider ? volumeSlider->getIntegerValue() : 0; }
 
 void TextDialogStandard::speak()
 {
@@ -150,8 +147,7 @@ void TextDialogStandard::editSoundHighlight()
     const KSoundHiliteMedia* existing = recording ? recording.get() : &text.getRecording();
     int32_t duration = recording ? recordingDuration : text.getRecordingDuration();
     KSoundHiliteEditorDialog::Result result;
-    if (!KSoundHiliteEditorDialog::edit(text.getPlainText(), media ? *media : KDirectory(), existing, duration,
-                                        result)
+    if (!KSoundHiliteEditorDialog::edit(text.getPlainText(), media ? *media : KDirectory(), existing, duration, result)
         || !result.media)
         return;
     recording = result.media;

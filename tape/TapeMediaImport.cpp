@@ -141,8 +141,7 @@ bool importMediaFile(const KFileReference& source, KDirectory& mediaDirectory, K
     return importMediaFile(source, mediaDirectory, imported, reused);
 }
 
-bool importMediaFile(const KFileReference& source, KDirectory& mediaDirectory, KFileReference& imported,
-                     bool& reused)
+bool importMediaFile(const KFileReference& source, KDirectory& mediaDirectory, KFileReference& imported, bool& reused)
 {
     reused = false;
     if (!source.doesExist() || !ensureFolder(mediaDirectory))

@@ -16,8 +16,7 @@
 // the file in the folder. False, with nothing copied, on any failure.
 bool importMediaFile(const KFileReference& source, KDirectory& mediaDirectory, KFileReference& imported);
 // The same; `reused` tells whether the folder held the same file already.
-bool importMediaFile(const KFileReference& source, KDirectory& mediaDirectory, KFileReference& imported,
-                     bool& reused);
+bool importMediaFile(const KFileReference& source, KDirectory& mediaDirectory, KFileReference& imported, bool& reused);
 
 constexpr int32_t kMaxMediaNameLength = 26;
 

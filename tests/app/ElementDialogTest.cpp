@@ -275,8 +275,8 @@ TEST_F(ElementDialogTest, CancelLeavesEveryElementsBytesAndDropsANewOne)
         speech->setVolume(0.337);
         KPtr<StylusSound> sound = kAdopt(new StylusSound());
         KPtr<StylusText> text = kAdopt(new StylusText());
-        for (TapeObject* element : std::initializer_list<TapeObject*> { pause.get(), wait.get(), speech.get(),
-                                                                        sound.get(), text.get() })
+        for (TapeObject* element :
+             std::initializer_list<TapeObject*> { pause.get(), wait.get(), speech.get(), sound.get(), text.get() })
             putOnTape(tape, *element);
 
         // Every control changed, then Cancel.
@@ -310,15 +310,15 @@ TEST_F(ElementDialogTest, CancelLeavesEveryElementsBytesAndDropsANewOne)
             click(dialog, "Cancel");
         });
         std::vector<std::vector<uint8_t>> before;
-        for (TapeObject* element : std::initializer_list<TapeObject*> { pause.get(), wait.get(), speech.get(),
-                                                                        sound.get(), text.get() }) {
+        for (TapeObject* element :
+             std::initializer_list<TapeObject*> { pause.get(), wait.get(), speech.get(), sound.get(), text.get() }) {
             before.push_back(streams::of(*element));
             EXPECT_FALSE(ElementDialog::edit(tape, *element));
         }
         EXPECT_TRUE(script.finished());
         size_t i = 0;
-        for (TapeObject* element : std::initializer_list<TapeObject*> { pause.get(), wait.get(), speech.get(),
-                                                                        sound.get(), text.get() })
+        for (TapeObject* element :
+             std::initializer_list<TapeObject*> { pause.get(), wait.get(), speech.get(), sound.get(), text.get() })
             EXPECT_EQ(streams::of(*element), before[i++]) << "element " << i;
         EXPECT_FALSE(tape.isModified());
         EXPECT_FALSE(speech->getSpeech().isPlaying());
