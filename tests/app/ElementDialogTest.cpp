@@ -263,6 +263,43 @@ TEST_F(ElementDialogTest, SoundImportsIntoMediaPlaysAsTheControlsStandAndNeedsAF
     });
 }
 
+TEST_F(ElementDialogTest, RecordTakesTheRecordedSoundAndACancelledRecordingChangesNothing)
+{
+    std::string media = freshFolder("Media");
+    std::ofstream(media + "/voice-1.wav") << "RIFF-voice";
+    runApp({}, [&](TestApplication& app) {
+        Tape& tape = *app.getProject()->getTape();
+        tape.setMediaDirectory(KDirectory(KPath(KString(media.c_str()), KPath::kHostPlatform)));
+        bool answer = false;
+        int32_t asked = 0;
+        StylusActions::current()->hooks().recordSound = [&](KFileReference& file) {
+            ++asked;
+            if (answer)
+                file = KFileReference(KPath(KString((media + "/voice-1.wav").c_str()), KPath::kHostPlatform));
+            return answer;
+        };
+        KPtr<StylusSound> element = kAdopt(new StylusSound());
+        DialogScript script(layer);
+        script.then<SoundDialog>([&](SoundDialog& dialog) {
+            click(dialog, "Record");
+            EXPECT_TRUE(dialog.getFile().getPath().isEmpty());
+            answer = true;
+            size_t shown = layer.alerts().size();
+            click(dialog, "Record");
+            // A recording made in "Media" is taken where it is.
+            EXPECT_EQ(layer.alerts().size(), shown);
+            EXPECT_EQ(dialog.getFile().getObjectName(), KString("voice-1.wav"));
+            click(dialog, "OK");
+        });
+        EXPECT_TRUE(ElementDialog::create(tape, SoundType));
+        EXPECT_TRUE(script.finished());
+        EXPECT_EQ(asked, 2);
+        ASSERT_EQ(tape.getCount(), 1);
+        EXPECT_TRUE(tape.getAt(0)->usesMediaNamed("voice-1.wav"));
+        layer.answerMessageBox(KNativeAnswer::No);
+    });
+}
+
 TEST_F(ElementDialogTest, CancelLeavesEveryElementsBytesAndDropsANewOne)
 {
     std::string outside = freshFolder("outside");
