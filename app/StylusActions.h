@@ -148,6 +148,7 @@ private:
     StylusWindow* window() const;
     Tape* tape() const;
     void addInserted(TapeObject& element);
+    void insertThroughDialog(int32_t kind);
     TapeObjectPtr askSoundElement();
     void insertNewText();
     void startEditingNewText(StylusText& text);

@@ -1,5 +1,6 @@
 // Play and stop, the steps along the tape, and inserting elements.
 
+#include "app/ElementDialog.h"
 #include "app/ProjectFiles.h"
 #include "app/StylusActions.h"
 #include "app/StylusApplication.h"
@@ -180,8 +181,6 @@ void StylusActions::modifyCurrentElement()
     tape()->editCurrentElement();
 }
 
-// Until the element dialogs exist, the elements that need nothing from the
-// user go in with their defaults, and a sound asks only for its file.
 bool StylusActions::canInsertElement(int32_t kind) const
 {
     StylusWindow* shown = window();
@@ -205,13 +204,16 @@ bool StylusActions::canInsertElement(int32_t kind) const
     case PageTransitionType:
     case MovieType:
     case ImageType:
-        // These need their dialogs to be made.
+        // These have no dialog to be made in yet.
         return bool(hookTable.insertWithDialog);
     default:
         return false;
     }
 }
 
+// A wait, a speech, a pause and a sound are made in their dialogs; a text
+// is typed in place. Without a dialog the elements that need nothing from
+// the user go in with their defaults, and a sound asks only for its file.
 void StylusActions::insertElement(int32_t kind)
 {
     if (!tape() || !tapeIsIdle() || kind < 1 || kind > 10 || kind == 2 || kind == 8)
@@ -219,6 +221,10 @@ void StylusActions::insertElement(int32_t kind)
     stopEditing();
     if (hookTable.insertWithDialog) {
         hookTable.insertWithDialog(*tape(), kind);
+        return;
+    }
+    if (ElementDialog::createsKind(kind)) {
+        insertThroughDialog(kind);
         return;
     }
     TapeObjectPtr element;
@@ -277,6 +283,17 @@ void StylusActions::takeTextDefaults(StylusText& text)
     const TextDefaults& defaults = application->getTextDefaults();
     text.setTextBlock(defaults.makeBlock(text.getPlainText()));
     text.setBackColour(defaults.getBackColour());
+}
+
+// The brush would stand over the page while the dialog is up.
+void StylusActions::insertThroughDialog(int32_t kind)
+{
+    StylusWindow* shown = window();
+    if (shown)
+        shown->hideBrush();
+    ElementDialog::create(*tape(), kind);
+    if (StylusWindow* after = window())
+        after->updateBrushPosition();
 }
 
 void StylusActions::addInserted(TapeObject& element)

@@ -4,6 +4,7 @@
 #include "app/AnimMenu.h"
 #include "app/AppClasses.h"
 #include "app/EditMenu.h"
+#include "app/ElementDialog.h"
 #include "app/FileMenu.h"
 #include "app/FormatMenu.h"
 #include "app/ItemsMenu.h"
@@ -139,6 +140,7 @@ void StylusApplication::registerClasses()
     for (KClass* menu : { FileMenu::registerClass(), EditMenu::registerClass(), ItemsMenu::registerClass(),
                           FormatMenu::registerClass(), AnimMenu::registerClass(), ActorsMenu::registerClass() })
         menu->setTransient();
+    ElementDialog::registerDialogClasses();
 }
 
 // --- Start --------------------------------------------------------------------

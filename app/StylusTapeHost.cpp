@@ -1,6 +1,7 @@
 #include "app/StylusTapeHost.h"
 
 #include "app/ArtResources.h"
+#include "app/ElementDialog.h"
 #include "app/StylusActions.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
@@ -277,7 +278,8 @@ bool StylusTapeHost::chooseColour(KColor& colour)
     return dialogs && KNativeLayer::current() && dialogs->doColorDialog(colour);
 }
 
-void StylusTapeHost::openElementDialog(Tape&, TapeObject&) { beep(); }
+// A kind without a dialog beeps.
+void StylusTapeHost::openElementDialog(Tape& tape, TapeObject& element) { ElementDialog::edit(tape, element); }
 
 void StylusTapeHost::editBookmark(Tape&, TapeObject&) { beep(); }
 

@@ -137,6 +137,13 @@ void adoptFound(KFileReference& file, const KFileReference& found, const Tape* t
 
 bool importMediaFile(const KFileReference& source, KDirectory& mediaDirectory, KFileReference& imported)
 {
+    bool reused = false;
+    return importMediaFile(source, mediaDirectory, imported, reused);
+}
+
+bool importMediaFile(const KFileReference& source, KDirectory& mediaDirectory, KFileReference& imported, bool& reused)
+{
+    reused = false;
     if (!source.doesExist() || !ensureFolder(mediaDirectory))
         return false;
     const KPath& path = source.getPath();
@@ -151,6 +158,7 @@ bool importMediaFile(const KFileReference& source, KDirectory& mediaDirectory, K
             if (!sameBytes(source, candidate))
                 continue;
             imported = candidate;
+            reused = true;
             return true;
         }
         if (!copyFile(source, candidate.getPath()))

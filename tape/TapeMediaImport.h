@@ -15,6 +15,8 @@
 // with the same bytes is reused instead of copied again. `imported` names
 // the file in the folder. False, with nothing copied, on any failure.
 bool importMediaFile(const KFileReference& source, KDirectory& mediaDirectory, KFileReference& imported);
+// The same; `reused` tells whether the folder held the same file already.
+bool importMediaFile(const KFileReference& source, KDirectory& mediaDirectory, KFileReference& imported, bool& reused);
 
 constexpr int32_t kMaxMediaNameLength = 26;
 

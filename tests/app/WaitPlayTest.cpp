@@ -2,20 +2,19 @@
 // blinking marker and a press anywhere that answers it.
 
 #include "AppTestSupport.h"
+#include "DialogTestSupport.h"
 
+#include "app/ElementDialog.h"
 #include "app/StylusActions.h"
 #include "app/StylusWindow.h"
 #include "kmultimedia/KSprite.h"
 #include "project/StylusProject.h"
 #include "tape/StylusPause.h"
-#include "tape/StylusSound.h"
 #include "tape/Tape.h"
 #include "tape/WaitObject.h"
 #include "windowing/KKeyEvent.h"
 
 #include <gtest/gtest.h>
-
-#include <fstream>
 
 using namespace apptest;
 
@@ -41,16 +40,21 @@ protected:
 
 TEST_F(WaitPlayTest, InsertCommandsPutTimedElementsWithTheirDefaultsAtThePosition)
 {
-    std::string sounds = freshFolder("sounds");
-    std::ofstream(sounds + "/bell.wav") << "RIFF";
-    std::ofstream(sounds + "/notes.txt") << "text";
     runApp({}, [&](TestApplication& app) {
         StylusActions& actions = *StylusActions::current();
         Tape& tape = *app.getProject()->getTape();
+        // Each insert opens its dialog on a fresh element; OK takes it.
+        DialogScript script(layer);
+        for (int i = 0; i < 3; ++i)
+            script.then<ElementDialog>([&](ElementDialog& dialog) {
+                EXPECT_TRUE(dialog.isNewElement());
+                layer.clickControl(buttonNamed(layer, dialog, "OK"));
+            });
         actions.insertElement(PauseType);
         actions.insertElement(WaitType);
         tape.setPositionQuietly(1);
         actions.insertElement(SpeechType);
+        EXPECT_TRUE(script.finished());
         ASSERT_EQ(tape.getCount(), 3);
         EXPECT_EQ(tape.getPosition(), 2);
         EXPECT_EQ(tape.getAt(0)->getType(), PauseType);
@@ -59,20 +63,6 @@ TEST_F(WaitPlayTest, InsertCommandsPutTimedElementsWithTheirDefaultsAtThePositio
         EXPECT_EQ(static_cast<StylusPause*>(tape.getAt(0))->getDuration(), 2000);
         EXPECT_TRUE(static_cast<WaitObject*>(tape.getAt(2))->getWaitForUser());
         EXPECT_TRUE(tape.isModified());
-
-        // A sound asks for its file; what is not a sound is refused.
-        layer.answerChooser({ true, sounds + "/notes.txt" });
-        int32_t beeps = layer.beepCount();
-        actions.insertElement(SoundType);
-        EXPECT_EQ(tape.getCount(), 3);
-        EXPECT_EQ(layer.beepCount(), beeps + 1);
-        actions.insertElement(SoundType); // cancelled
-        EXPECT_EQ(tape.getCount(), 3);
-        layer.answerChooser({ true, sounds + "/bell.wav" });
-        actions.insertElement(SoundType);
-        ASSERT_EQ(tape.getCount(), 4);
-        EXPECT_EQ(tape.getCurrentType(), SoundType);
-        EXPECT_TRUE(tape.getCurrentElement()->usesMediaNamed("bell.wav"));
         layer.answerMessageBox(KNativeAnswer::No);
     });
 }
@@ -83,7 +73,11 @@ TEST_F(WaitPlayTest, AWaitBlinksItsMarkerInTheCornerAndAPressAnywhereAnswersIt)
         StylusActions& actions = *StylusActions::current();
         StylusWindow& window = *StylusWindow::current();
         Tape& tape = *app.getProject()->getTape();
+        DialogScript script(layer);
+        script.then<ElementDialog>(
+            [&](ElementDialog& dialog) { layer.clickControl(buttonNamed(layer, dialog, "OK")); });
         actions.insertElement(WaitType);
+        ASSERT_TRUE(script.finished());
         actions.play(false, false, false);
         runFor(app, 100);
         ASSERT_NE(dynamic_cast<WaitObject*>(tape.getPlayingObject()), nullptr);

@@ -1,0 +1,237 @@
+#include "app/ElementDialog.h"
+
+#include "app/PauseDialog.h"
+#include "app/SoundDialog.h"
+#include "app/SpeechDialog.h"
+#include "app/StylusActions.h"
+#include "app/StylusWindow.h"
+#include "app/TextDialogStandard.h"
+#include "app/UiText.h"
+#include "app/WaitObjectDialog.h"
+#include "kernel/KClass.h"
+#include "tape/StylusPause.h"
+#include "tape/StylusSound.h"
+#include "tape/StylusSpeech.h"
+#include "tape/StylusText.h"
+#include "tape/Tape.h"
+#include "tape/TapeHost.h"
+#include "tape/WaitObject.h"
+#include "windowing/KAlert.h"
+#include "windowing/KSliderNativeControl.h"
+#include "windowing/KStaticTextNativeControl.h"
+#include "windowing/KTimer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+K_DEFINE_ABSTRACT_CLASS(ElementDialog, KDialog)
+
+ElementDialog::ElementDialog() = default;
+
+ElementDialog::~ElementDialog() = default;
+
+// The text names the dialog and the element class it wants, so the one who
+// called it wrongly reads at once what to call instead. It is a message
+// for the program's developers, and stays in English.
+void ElementDialog::tellRefusedOpen() const
+{
+    std::string dialog = getClass()->getName();
+    std::string text = "Please Use " + dialog + "::open(const " + elementClassName() + "&)!";
+    std::string where = dialog + "::open()";
+    alert(KString(where.c_str()), KString(text.c_str()));
+}
+
+void ElementDialog::open() { tellRefusedOpen(); }
+
+Tape* ElementDialog::getTapeEdited() const { return tape.get(); }
+
+bool ElementDialog::prepare(Tape& onTape, TapeObject& edited, bool isNew)
+{
+    if (!takesElement(edited)) {
+        tellRefusedOpen();
+        return false;
+    }
+    tape = &onTape;
+    element = &edited;
+    newElement = isNew;
+    accepted = false;
+    return true;
+}
+
+bool ElementDialog::open(Tape& onTape, TapeObject& edited, bool isNew)
+{
+    if (!prepare(onTape, edited, isNew))
+        return false;
+    runModal();
+    return accepted;
+}
+
+void ElementDialog::open(OpenMode mode, int32_t standardButtons)
+{
+    if (!element) {
+        tellRefusedOpen();
+        return;
+    }
+    KDialog::open(mode, standardButtons);
+    if (isOpen())
+        makeControls();
+}
+
+void ElementDialog::close()
+{
+    stopTrying();
+    KDialog::close();
+}
+
+KEventReturn ElementDialog::doDialogAction(int32_t buttonId)
+{
+    if (buttonId == getButtonId(OkButton) && element && tape) {
+        KString refused = refusal();
+        if (!refused.isEmpty()) {
+            alert(getTitle(), refused);
+            return 1;
+        }
+        stopTrying();
+        applyValues();
+        commit();
+        accepted = true;
+    }
+    return KDialog::doDialogAction(buttonId);
+}
+
+void ElementDialog::commit()
+{
+    TapeHost& host = TapeHost::get();
+    if (newElement) {
+        tape->addElement(*element);
+        host.updateMenuBar();
+    } else {
+        tape->elementChanged(*element);
+        if (drawsOnPage()) {
+            element->setPreviewValid(false);
+            tape->invalidatePreviewsFrom(tape->getPosition(), false);
+        }
+        tape->setModified();
+    }
+    StylusWindow* window = StylusWindow::current();
+    if (window && window->getTape() == tape.get())
+        window->redrawPage(true);
+    else
+        host.redrawPage(*tape);
+    if (StylusActions* actions = StylusActions::current())
+        actions->elementAdded();
+    host.refreshThumbnails();
+}
+
+// --- Shared controls ------------------------------------------------------------------
+
+void ElementDialog::addLabel(const KString& text, int32_t x, int32_t y, int32_t width)
+{
+    addControl(*new KStaticTextNativeControl(text, KWideRectangle(x, y, width, 20)));
+}
+
+KPtr<KSliderNativeControl> ElementDialog::addVolumeSlider(int32_t id, int32_t x, int32_t y, double volume)
+{
+    addLabel(uiText("Volume"), x, y + 2, 70);
+    KPtr<KSliderNativeControl> slider
+        = kAdopt(new KSliderNativeControl(id, KWideRectangle(x + 74, y, 200, 24), 0, 100, sliderOfVolume(volume)));
+    addControl(*slider);
+    return slider;
+}
+
+int32_t ElementDialog::sliderOfVolume(double volume)
+{
+    if (!std::isfinite(volume))
+        return 0;
+    return int32_t(std::lround(std::clamp(volume, 0.0, 1.0) * 100.0));
+}
+
+double ElementDialog::volumeOfSlider(int32_t position, double was)
+{
+    if (position == sliderOfVolume(was))
+        return was;
+    return std::clamp(position, 0, 100) / 100.0;
+}
+
+double ElementDialog::trialSpeechSpeed()
+{
+    double speed = TapeHost::get().speechSpeed();
+    return speed < 0.0 || std::isnan(speed) ? StylusSpeech::kDefaultSpeed : speed;
+}
+
+// --- What the application opens -------------------------------------------------------
+
+void ElementDialog::registerDialogClasses()
+{
+    ElementDialog::registerClass();
+    PauseDialog::registerClass();
+    WaitObjectDialog::registerClass();
+    SpeechDialog::registerClass();
+    SoundDialog::registerClass();
+    TextDialogStandard::registerClass();
+}
+
+KPtr<ElementDialog> ElementDialog::makeFor(int32_t type)
+{
+    switch (type) {
+    case PauseType:
+        return kAdopt(new PauseDialog());
+    case WaitType:
+        return kAdopt(new WaitObjectDialog());
+    case SpeechType:
+        return kAdopt(new SpeechDialog());
+    case SoundType:
+        return kAdopt(new SoundDialog());
+    case TextType:
+        return kAdopt(new TextDialogStandard());
+    default:
+        return KPtr<ElementDialog>();
+    }
+}
+
+// A text is made in place, where the user types it; its dialog only edits.
+bool ElementDialog::createsKind(int32_t type)
+{
+    return type == PauseType || type == WaitType || type == SpeechType || type == SoundType;
+}
+
+TapeObjectPtr ElementDialog::makeElement(int32_t type)
+{
+    switch (type) {
+    case PauseType:
+        return kAdopt(new StylusPause());
+    case WaitType:
+        return kAdopt(new WaitObject());
+    case SpeechType:
+        return kAdopt(new StylusSpeech());
+    case SoundType:
+        return kAdopt(new StylusSound());
+    case TextType:
+        return kAdopt(new StylusText());
+    default:
+        return TapeObjectPtr();
+    }
+}
+
+bool ElementDialog::edit(Tape& onTape, TapeObject& edited)
+{
+    KPtr<ElementDialog> dialog = makeFor(edited.getType());
+    if (!dialog) {
+        TapeHost::get().beep();
+        return false;
+    }
+    TapeObjectPtr keep(&edited);
+    return dialog->open(onTape, edited, false);
+}
+
+bool ElementDialog::create(Tape& onTape, int32_t type)
+{
+    KPtr<ElementDialog> dialog = makeFor(type);
+    TapeObjectPtr fresh = makeElement(type);
+    if (!dialog || !fresh) {
+        TapeHost::get().beep();
+        return false;
+    }
+    return dialog->open(onTape, *fresh, true);
+}
