@@ -3,6 +3,7 @@
 #include "app/ActorsMenu.h"
 #include "app/AnimMenu.h"
 #include "app/AppClasses.h"
+#include "app/EditBookmarkDialog.h"
 #include "app/EditMenu.h"
 #include "app/ElementDialog.h"
 #include "app/FileMenu.h"
@@ -19,6 +20,7 @@
 #include "app/NewProjectDialog.h"
 #include "app/ProjectFiles.h"
 #include "app/RecoveryCopy.h"
+#include "app/SetupDialog.h"
 #include "app/StartupDialog.h"
 #include "app/StateFile.h"
 #include "app/StylusActions.h"
@@ -141,6 +143,8 @@ void StylusApplication::registerClasses()
                           FormatMenu::registerClass(), AnimMenu::registerClass(), ActorsMenu::registerClass() })
         menu->setTransient();
     ElementDialog::registerDialogClasses();
+    EditBookmarkDialog::registerClass();
+    SetupDialog::registerClass();
 }
 
 // --- Start --------------------------------------------------------------------
@@ -412,11 +416,36 @@ StylusMenuBar* StylusApplication::getStylusMenuBar() const { return menuBar.get(
 void StylusApplication::installMenuBar(StylusWindow& window)
 {
     menuBar = kAdopt(new StylusMenuBar());
+    setMenuHooks(*menuBar);
     if (KMenuManager* menus = KMenuManager::current())
         menus->setMenuBar(menuBar.get());
     menuBar->install(window);
     menuBar->updateShown();
     menuBar->update();
+}
+
+// The bookmark and the play settings of the tape the main window shows;
+// the menus offer them only while it stands still.
+void StylusApplication::setMenuHooks(StylusMenuBar& bar)
+{
+    bar.hooks().editBookmark = [] {
+        StylusWindow* window = StylusWindow::current();
+        Tape* tape = window ? window->getTape() : nullptr;
+        if (!tape || tape->isPlaying())
+            return;
+        KPtr<StylusWindow> held(window);
+        window->stopEditing();
+        tape->editCurrentBookmark();
+    };
+    bar.hooks().animationSetup = [] {
+        StylusWindow* window = StylusWindow::current();
+        Tape* tape = window ? window->getTape() : nullptr;
+        if (!tape || tape->isPlaying())
+            return;
+        TapePtr held(tape);
+        KPtr<SetupDialog> dialog = kAdopt(new SetupDialog());
+        dialog->open(*tape);
+    };
 }
 
 ToolPalette* StylusApplication::getToolPalette() const { return toolPalette.get(); }

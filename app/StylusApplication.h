@@ -110,6 +110,7 @@ protected:
 
 private:
     void registerFileTypes();
+    static void setMenuHooks(StylusMenuBar& bar);
     void applyLanguage();
     void settleDocumentFolder();
     void startMediaManager();

@@ -1,5 +1,7 @@
 #include "app/StylusTapeHost.h"
 
+#include "app/EditBookmarkDialog.h"
+
 #include "app/ArtResources.h"
 #include "app/ElementDialog.h"
 #include "app/StylusActions.h"
@@ -281,7 +283,7 @@ bool StylusTapeHost::chooseColour(KColor& colour)
 // A kind without a dialog beeps.
 void StylusTapeHost::openElementDialog(Tape& tape, TapeObject& element) { ElementDialog::edit(tape, element); }
 
-void StylusTapeHost::editBookmark(Tape&, TapeObject&) { beep(); }
+void StylusTapeHost::editBookmark(Tape& tape, TapeObject& element) { EditBookmarkDialog::edit(tape, element); }
 
 // The chooser starts in `directory`; any file may be taken, since a media
 // file may have come back under another extension. Nobody to ask counts as

@@ -2,10 +2,12 @@
 // expectation, and what its items and accelerators do.
 
 #include "AppTestSupport.h"
+#include "DialogTestSupport.h"
 
 #include "app/AnimMenu.h"
 #include "app/EditMenu.h"
 #include "app/ItemsMenu.h"
+#include "app/PauseDialog.h"
 #include "app/StylusActions.h"
 #include "app/StylusMenuBar.h"
 #include "app/StylusWindow.h"
@@ -14,7 +16,9 @@
 #include "kernel/KLocalizerData.h"
 #include "project/StylusProject.h"
 #include "tape/StylusPause.h"
+#include "tape/StylusSpeech.h"
 #include "tape/Tape.h"
+#include "tape/WaitObject.h"
 #include "windowing/KMenu.h"
 #include "windowing/KMenuManager.h"
 #include "windowing/KWindowManager.h"
@@ -52,13 +56,16 @@ protected:
 
     // Three elements, the last a pause with a bookmark, the position at
     // the end.
+    // The elements go straight on the tape: the Toolbox would ask for each
+    // one's settings first.
     static void fillTape(TestApplication& app)
     {
-        StylusActions& actions = *StylusActions::current();
-        actions.insertElement(WaitType);
-        actions.insertElement(SpeechType);
-        actions.insertElement(PauseType);
-        app.getProject()->getTape()->getAt(2)->setBookmark("Ending");
+        Tape& tape = *app.getProject()->getTape();
+        for (TapeObjectPtr element :
+             { TapeObjectPtr(kAdopt(new WaitObject())), TapeObjectPtr(kAdopt(new StylusSpeech())),
+               TapeObjectPtr(kAdopt(new StylusPause())) })
+            tape.addElement(*element);
+        tape.getAt(2)->setBookmark("Ending");
     }
 
     // Runs `inside` at the first loop turn during which a modal dialog is
@@ -141,23 +148,30 @@ TEST_F(MenuTest, TheNativeStripShowsTheModelAndOnlyEnabledItemsCanBeClicked)
 
         // Opening Edit renames its items in the strip.
         EditMenu& edit = bar().getEditMenu();
+        // The palette's size at the start is the user's; the title names
+        // the other one.
         ToolPalette& palette = *ToolPalette::current();
         palette.swapPaletteState();
+        bool full = palette.isFull();
         EXPECT_TRUE(layer.openMenu(mainHandle(), strip->menus[1].id));
         const KNativeMenuItem* size = layer.findMenuItem(strip->menus, commandOf(edit, EditMenu::PaletteSize));
-        EXPECT_EQ(size->text, "Short Palette");
+        EXPECT_EQ(size->text, full ? "Short Palette" : "Full Palette");
         EXPECT_EQ(size->accelerator, 'F');
         EXPECT_TRUE(layer.chooseMenuItem(mainHandle(), commandOf(edit, EditMenu::PaletteSize)));
-        EXPECT_FALSE(palette.isFull());
-        EXPECT_EQ(layer.findMenuItem(strip->menus, commandOf(edit, EditMenu::PaletteSize))->text, "Full Palette");
+        EXPECT_EQ(palette.isFull(), !full);
+        EXPECT_EQ(layer.findMenuItem(strip->menus, commandOf(edit, EditMenu::PaletteSize))->text,
+                  full ? "Full Palette" : "Short Palette");
 
         // "Modify" has no target on an empty tape; a greyed item is no choice.
         EXPECT_FALSE(layer.findMenuItem(strip->menus, commandOf(edit, EditMenu::Modify))->enabled);
         EXPECT_FALSE(layer.chooseMenuItem(mainHandle(), commandOf(edit, EditMenu::Modify)));
 
-        // The Toolbox inserts at the position.
+        // The Toolbox inserts at the position, once its dialog says OK.
         ItemsMenu& items = edit.getItemsMenu();
+        DialogScript script(layer);
+        script.then<PauseDialog>([&](PauseDialog& dialog) { layer.clickControl(buttonNamed(layer, dialog, "OK")); });
         EXPECT_TRUE(layer.chooseMenuItem(mainHandle(), commandOf(items, 8)));
+        EXPECT_TRUE(script.finished());
         Tape& tape = *app.getProject()->getTape();
         ASSERT_EQ(tape.getCount(), 1);
         EXPECT_EQ(tape.getAt(0)->getType(), PauseType);
