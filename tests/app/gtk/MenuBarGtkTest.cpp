@@ -7,6 +7,7 @@
 #include "app/StylusWindow.h"
 #include "kernel/KErrorHandler.h"
 #include "project/StylusProject.h"
+#include "tape/StylusPause.h"
 #include "tape/Tape.h"
 #include "windowing/KWindowingClasses.h"
 #include "windowing/native/KGtkNativeLayer.h"
@@ -91,8 +92,9 @@ public:
     {
         auto* app = static_cast<ScriptedApp*>(data);
         StylusMenuBar& bar = *app->getStylusMenuBar();
-        // Something to play, so that Play is on.
-        StylusActions::current()->insertElement(PauseType);
+        // Something to play, so that Play is on; put straight on the tape,
+        // since inserting from the palette would open the pause's dialog.
+        app->getProject()->getTape()->addElement(*TapeObjectPtr(kAdopt(new StylusPause())));
         bar.update();
         GtkWidget* strip = gtkLayer().gtkMenuBarOf(StylusWindow::current()->getNativeWindow());
         app->stripFound = strip != nullptr;
