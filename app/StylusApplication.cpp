@@ -17,6 +17,7 @@
 #include "app/KSoundRecordDialog.h"
 #include "app/KSpeechExceptionAddDialog.h"
 #include "app/KSpeechExceptionsDialog.h"
+#include "app/NavigationPalette.h"
 #include "app/NewProjectDialog.h"
 #include "app/ProjectFiles.h"
 #include "app/RecoveryCopy.h"
@@ -126,6 +127,9 @@ void StylusApplication::registerClasses()
     StylusApplication::registerClass();
     StylusWindow::registerClass();
     ToolPalette::registerClass();
+    NavigationPalette::registerClass();
+    NavigationControl::registerClass();
+    TapeObjectMenu::registerClass()->setTransient();
     StylusColorButtonControl::registerClass();
     StylusActions::registerClass()->setTransient();
     StartupDialog::registerClass();
@@ -163,6 +167,7 @@ void StylusApplication::doInit()
     textDefaults = TextDefaults();
     actions = kAdopt(new StylusActions());
     toolPalette = kAdopt(new ToolPalette());
+    navigationPalette = kAdopt(new NavigationPalette());
     actions->hooks().loadColors = [](const KFileReference& file) {
         if (ToolPalette* palette = ToolPalette::current())
             palette->loadColorsFrom(file);
@@ -190,6 +195,8 @@ void StylusApplication::doInit()
     }
     toolPalette->open(KWindow::OpenMode::Normal);
     toolPalette->finishOpen();
+    navigationPalette->open(KWindow::OpenMode::Hidden);
+    navigationPalette->finishOpen();
     if (KCursorManager* cursors = KCursorManager::current())
         cursors->setCursor(KCursorShape::Normal);
     recovery->start(*this);
@@ -417,6 +424,14 @@ void StylusApplication::installMenuBar(StylusWindow& window)
 {
     menuBar = kAdopt(new StylusMenuBar());
     setMenuHooks(*menuBar);
+    menuBar->hooks().navigationShown = [] {
+        NavigationPalette* navigation = NavigationPalette::current();
+        return navigation && navigation->isShown();
+    };
+    menuBar->hooks().toggleNavigation = [] {
+        if (NavigationPalette* navigation = NavigationPalette::current())
+            navigation->toggle();
+    };
     if (KMenuManager* menus = KMenuManager::current())
         menus->setMenuBar(menuBar.get());
     menuBar->install(window);
@@ -449,6 +464,8 @@ void StylusApplication::setMenuHooks(StylusMenuBar& bar)
 }
 
 ToolPalette* StylusApplication::getToolPalette() const { return toolPalette.get(); }
+
+NavigationPalette* StylusApplication::getNavigationPalette() const { return navigationPalette.get(); }
 
 StylusProject* StylusApplication::getProject() const { return actions ? actions->getProject() : nullptr; }
 
@@ -628,6 +645,10 @@ void StylusApplication::doExit()
     if (toolPalette) {
         toolPalette->close();
         toolPalette.clear();
+    }
+    if (navigationPalette) {
+        navigationPalette->close();
+        navigationPalette.clear();
     }
     if (menuBar) {
         if (KMenuManager* menus = KMenuManager::current())

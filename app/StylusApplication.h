@@ -15,6 +15,7 @@
 #include <memory>
 
 class ToolPalette;
+class NavigationPalette;
 class StylusActions;
 class StylusWindow;
 class RecoveryCopy;
@@ -55,6 +56,7 @@ public:
     KEventReturn handleEvent(KEvent& event) override;
 
     ToolPalette* getToolPalette() const;
+    NavigationPalette* getNavigationPalette() const;
     StylusActions* getActions() const;
     StylusMenuBar* getStylusMenuBar() const;
     // Builds the menus in the present language and puts them on the main
@@ -129,6 +131,7 @@ private:
     bool documentGiven = false;
     KGraphicRectangle windowBounds;
     KPtr<ToolPalette> toolPalette;
+    KPtr<NavigationPalette> navigationPalette;
     KPtr<StylusActions> actions;
     KPtr<StylusMenuBar> menuBar;
     KMediaManagerPtr mediaManager;

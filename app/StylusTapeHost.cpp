@@ -4,6 +4,7 @@
 
 #include "app/ArtResources.h"
 #include "app/ElementDialog.h"
+#include "app/NavigationPalette.h"
 #include "app/StylusActions.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
@@ -189,6 +190,20 @@ void StylusTapeHost::selectTool(int32_t entry)
 {
     if (ToolPalette* palette = ToolPalette::current())
         palette->setElementIndicator(entry);
+    if (NavigationPalette* navigation = NavigationPalette::current())
+        navigation->getControl().followTape();
+}
+
+void StylusTapeHost::refreshBookmarks()
+{
+    if (NavigationPalette* navigation = NavigationPalette::current())
+        navigation->getControl().refreshBookmarks();
+}
+
+void StylusTapeHost::refreshThumbnails()
+{
+    if (NavigationPalette* navigation = NavigationPalette::current())
+        navigation->getControl().refresh();
 }
 
 // --- Preferences --------------------------------------------------------------

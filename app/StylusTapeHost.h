@@ -42,6 +42,8 @@ public:
     void showWaitMarks(bool shown) override;
     void stopAction(Tape& tape) override;
     void selectTool(int32_t entry) override;
+    void refreshBookmarks() override;
+    void refreshThumbnails() override;
 
     // "LimitActorSize": placed actors stay within 320 by 240.
     bool limitActorSize();

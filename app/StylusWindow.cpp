@@ -1,5 +1,6 @@
 #include "app/StylusWindow.h"
 
+#include "app/NavigationPalette.h"
 #include "app/SceneTapePage.h"
 #include "app/StylusActions.h"
 #include "app/ToolPalette.h"
@@ -303,6 +304,8 @@ void StylusWindow::redrawPage(bool redraw)
         tape->rebuildPage();
     if (ToolPalette* palette = ToolPalette::current())
         palette->setElementIndicator(tape->getToolEntry());
+    if (NavigationPalette* navigation = NavigationPalette::current())
+        navigation->getControl().followTape();
 }
 
 void StylusWindow::showHighlight()

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "app/NavigationControl.h"
+#include "windowing/KPaletteWindow.h"
+
+// The "Navigation" window: a small palette over the main window holding
+// the navigation control, shown and hidden from the Edit menu. It never
+// takes the keyboard from the page, has no close box, and is not shown
+// while an actor is edited. It exists from start-up to the end.
+class NavigationPalette : public KPaletteWindow {
+    K_DECLARE_CLASS(NavigationPalette)
+public:
+    static constexpr int16_t kLeft = 32;
+    static constexpr int16_t kTop = 64;
+
+    NavigationPalette();
+    ~NavigationPalette() override;
+
+    static NavigationPalette* current();
+
+    // Opens hidden; the menu shows it.
+    void open(OpenMode mode) override;
+    // The main window shows its first story: the control follows its tape.
+    void finishOpen();
+    void close() override;
+    KEventReturn doPaint(KWindowEvent& event) override;
+
+    NavigationControl& getControl() const { return *control; }
+    bool isShown() const { return isOpen() && isVisible(); }
+    // Shows the window when hidden and hides it when shown; while an actor
+    // is edited it only hides.
+    void toggle();
+
+private:
+    NavigationControlPtr control;
+};
+
+using NavigationPalettePtr = KPtr<NavigationPalette>;
