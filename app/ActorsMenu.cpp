@@ -4,30 +4,15 @@
 #include "app/UiText.h"
 #include "kernel/KClass.h"
 #include "windowing/KMenuEvent.h"
-
-// A sub-menu whose items the Actors menu carries out and enables.
-class ActorsMenu::Part : public KMenu {
-public:
-    Part(ActorsMenu& owner, const KString& title)
-        : KMenu(title)
-        , owner(&owner)
-    {
-    }
-    KEventReturn doOpen(KMenuEvent&) override { return 1; }
-    KEventReturn doMenuItem(KMenuEvent& event) override { return owner ? owner->doMenuItem(event) : 0; }
-
-private:
-    // The Actors menu holds its parts; a part never outlives it.
-    ActorsMenu* owner;
-};
+#include "windowing/KSubMenu.h"
 
 K_DEFINE_CLASS(ActorsMenu, KMenu)
 
 ActorsMenu::ActorsMenu()
     : KMenu(uiText("Actors"))
-    , movement(kAdopt(new Part(*this, uiText("Movement"))))
-    , frame(kAdopt(new Part(*this, uiText("Frame"))))
-    , background(kAdopt(new Part(*this, uiText("Window Background"))))
+    , movement(kAdopt(new KSubMenu(*this, uiText("Movement"))))
+    , frame(kAdopt(new KSubMenu(*this, uiText("Frame"))))
+    , background(kAdopt(new KSubMenu(*this, uiText("Window Background"))))
 {
     addItem(NewActor, withEllipsis(uiText("New Actor")));
     addItem(ImportActor, withEllipsis(uiText("Import Actor To Project")));

@@ -51,7 +51,6 @@ public:
 
 private:
     // The sub-menus' items come back to this menu.
-    class Part;
     void openParts(bool actor);
     KThingPtr movement;
     KThingPtr frame;

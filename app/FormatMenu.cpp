@@ -8,23 +8,8 @@
 #include "kernel/KClass.h"
 #include "windowing/KEditFieldControl.h"
 #include "windowing/KMenuEvent.h"
+#include "windowing/KSubMenu.h"
 #include "windowing/KTextFormatMenu.h"
-
-// The font and size lists, whose choices come back to the Format menu.
-class FormatMenu::Part : public KMenu {
-public:
-    Part(FormatMenu& owner, const KString& title)
-        : KMenu(title)
-        , owner(&owner)
-    {
-    }
-    KEventReturn doOpen(KMenuEvent&) override { return 1; }
-    KEventReturn doMenuItem(KMenuEvent& event) override { return owner ? owner->doMenuItem(event) : 0; }
-
-private:
-    // The Format menu holds its parts; a part never outlives it.
-    FormatMenu* owner;
-};
 
 namespace {
 
@@ -69,7 +54,7 @@ FormatMenu::FormatMenu()
             addItem(native.id, KString(native.text.c_str())).setCheckable(native.checkable);
             continue;
         }
-        KPtr<Part> part = kAdopt(new Part(*this, KString(native.text.c_str())));
+        KPtr<KSubMenu> part = kAdopt(new KSubMenu(*this, KString(native.text.c_str())));
         for (const KNativeMenuItem& child : native.children)
             part->addItem(child.id, KString(child.text.c_str())).setCheckable(child.checkable, true);
         addSubMenu(part->getTitle(), *part);

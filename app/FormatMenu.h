@@ -14,6 +14,5 @@ public:
     KEventReturn doMenuItem(KMenuEvent& event) override;
 
 private:
-    class Part;
     std::vector<KThingPtr> parts;
 };
