@@ -5,28 +5,17 @@
 
 #include "app/AppClasses.h"
 #include "app/ColorPaletteFile.h"
+#include "fuzz/FuzzErrors.h"
 #include "kernel/KClassStreamState.h"
-#include "kernel/KErrorHandler.h"
 
 #include <cstdint>
 #include <cstdlib>
 
 namespace {
 
-void onError(int32_t code, const char*)
-{
-    if (KErrorHandler::severityOf(code) == KErrorHandler::Fatal)
-        std::abort();
-}
-
-void quietMessage(const char*, const char*, int32_t) { }
-
 bool setUp()
 {
-    KErrorHandler::loadKernelErrors();
-    KErrorHandler::setErrorMode(KErrorHandler::Forwarding);
-    KErrorHandler::setErrorProc(&onError);
-    KErrorHandler::setMessageProc(&quietMessage);
+    fuzzForwardErrors();
     registerDocumentClasses();
     return true;
 }

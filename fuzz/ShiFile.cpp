@@ -3,8 +3,8 @@
 // the text; written again it reads back the same, and the editor's steps
 // work on it.
 
+#include "fuzz/FuzzErrors.h"
 #include "kernel/KClassStreamState.h"
-#include "kernel/KErrorHandler.h"
 #include "kernel/KFile.h"
 #include "kernel/KMemory.h"
 #include "kmultimedia/KMultimediaClasses.h"
@@ -21,20 +21,9 @@
 
 namespace {
 
-void onError(int32_t code, const char*)
-{
-    if (KErrorHandler::severityOf(code) == KErrorHandler::Fatal)
-        std::abort();
-}
-
-void quietMessage(const char*, const char*, int32_t) { }
-
 bool setUp()
 {
-    KErrorHandler::loadKernelErrors();
-    KErrorHandler::setErrorMode(KErrorHandler::Forwarding);
-    KErrorHandler::setErrorProc(&onError);
-    KErrorHandler::setMessageProc(&quietMessage);
+    fuzzForwardErrors();
     kRegisterMultimediaClasses();
     return true;
 }

@@ -3,8 +3,8 @@
 // must lead every spoken character back into the given text, in order, and
 // the dictionary written again must read back whole.
 
+#include "fuzz/FuzzErrors.h"
 #include "kernel/KClassStreamState.h"
-#include "kernel/KErrorHandler.h"
 #include "kernel/KFile.h"
 #include "kernel/KMemory.h"
 #include "kmultimedia/KMultimediaClasses.h"
@@ -24,20 +24,9 @@ namespace {
 // Longest text rewritten per input, to keep each run short.
 constexpr size_t kMaxText = 8192;
 
-void onError(int32_t code, const char*)
-{
-    if (KErrorHandler::severityOf(code) == KErrorHandler::Fatal)
-        std::abort();
-}
-
-void quietMessage(const char*, const char*, int32_t) { }
-
 bool setUp()
 {
-    KErrorHandler::loadKernelErrors();
-    KErrorHandler::setErrorMode(KErrorHandler::Forwarding);
-    KErrorHandler::setErrorProc(&onError);
-    KErrorHandler::setMessageProc(&quietMessage);
+    fuzzForwardErrors();
     kRegisterMultimediaClasses();
     return true;
 }
