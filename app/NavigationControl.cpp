@@ -171,10 +171,10 @@ void NavigationControl::setPosition(int32_t p)
 {
     if (p == lastShownPosition)
         return;
-    show(p);
+    showPosition(p);
 }
 
-void NavigationControl::show(int32_t p)
+void NavigationControl::showPosition(int32_t p)
 {
     Tape* shown = getTape();
     int32_t count = shown ? shown->getCount() : 0;
@@ -307,7 +307,7 @@ void NavigationControl::followTape()
     if (!shown || !isStopped(*shown))
         return;
     if (shown->getPosition() != lastShownPosition)
-        show(shown->getPosition());
+        showPosition(shown->getPosition());
     else
         refresh();
 }
@@ -329,7 +329,7 @@ void NavigationControl::goToPosition(int32_t p)
         shown->goToPosition(p);
     else if (onWindow)
         window->redrawPage(true);
-    show(shown->getPosition());
+    showPosition(shown->getPosition());
 }
 
 // --- Commands ----------------------------------------------------------------------------
@@ -341,7 +341,7 @@ void NavigationControl::stepBack()
         return;
     int32_t p = findBack(*shown, shownPosition, filter);
     if (p >= 0)
-        show(p);
+        showPosition(p);
 }
 
 void NavigationControl::stepForward()
@@ -351,15 +351,15 @@ void NavigationControl::stepForward()
         return;
     int32_t p = findForward(*shown, shownPosition, filter);
     if (p >= 0)
-        show(p);
+        showPosition(p);
 }
 
-void NavigationControl::showBeginning() { show(0); }
+void NavigationControl::showBeginning() { showPosition(0); }
 
 void NavigationControl::showEnd()
 {
     Tape* shown = getTape();
-    show(shown ? shown->getCount() : 0);
+    showPosition(shown ? shown->getCount() : 0);
 }
 
 void NavigationControl::setFilter(int32_t kind)
@@ -392,7 +392,7 @@ void NavigationControl::showBookmark(int32_t entry)
     for (int32_t i = 0; i < shown->getCount(); ++i) {
         TapeObject* element = shown->getAt(i);
         if (element && element->hasBookmark() && element->getBookmark() == name) {
-            show(i + 1);
+            showPosition(i + 1);
             return;
         }
     }
@@ -439,7 +439,7 @@ KEventReturn NavigationControl::doControlAction(KControlActionEvent& event)
     KThing* source = event.getSource();
     if (source == scrollBar.get()) {
         if (event.getType() == KControlActionEvent::Changed)
-            show(scrollBar->getIntegerValue());
+            showPosition(scrollBar->getIntegerValue());
         return 1;
     }
     if (source == bookmarkList.get()) {

@@ -115,7 +115,7 @@ private:
     template<class Part>
     Part& place(Part* part);
     KImageControl& addPicture(int32_t id, int16_t art, int16_t mask);
-    void show(int32_t p);
+    void showPosition(int32_t p);
     void updateScrollBar(int32_t count);
     void updatePicture(const Tape* tape);
     void updateBookmarkLine(const Tape* tape);

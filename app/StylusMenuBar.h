@@ -56,7 +56,7 @@ public:
     // The same as JSON: an array of menus, each with "title", "enabled" and
     // "items"; an item has "id", "title", "key" ("" or "Ctrl+S"),
     // "enabled", "checked" and, for a sub-menu, "items".
-    void describe(KJsonWriter& out) const;
+    void describe(KJsonWriter& out) const override;
 
 private:
     Hooks hookTable;
