@@ -234,7 +234,7 @@ void KSoundHiliteEditorDialog::setSound(const KFileReference& file)
 void KSoundHiliteEditorDialog::selectSound()
 {
     stopPlaying();
-    if (!confirmClear(uiText("Selecting a new sound will clear any edited markers. Are you sure to proceed?")))
+    if (!confirmClear(uiText("Selecting a new sound will clear any edited markers. Are you sure you want to proceed?")))
         return;
     KDialogHandler* dialogs = KDialogHandler::current();
     KFileReference chosen(mediaFolder.getPath().getChildFile(KString("x")));
@@ -256,7 +256,7 @@ void KSoundHiliteEditorDialog::selectSound()
 void KSoundHiliteEditorDialog::recordSound()
 {
     stopPlaying();
-    if (!confirmClear(uiText("Recording a new sound will clear any edited markers. Are you sure to proceed?")))
+    if (!confirmClear(uiText("Recording a new sound will clear any edited markers. Are you sure you want to proceed?")))
         return;
     StylusActions* actions = StylusActions::current();
     KFileReference recorded;
@@ -464,7 +464,7 @@ bool KSoundHiliteEditorDialog::loadFrom(const KFileReference& file)
     if (!sound.getPath().isEmpty() && !sound.doesExist() && dialogs) {
         KFileReference found(
             mediaFolder.getPath().getChildFile(sound.getPath().getName() + "." + sound.getPath().getExtension()));
-        if (dialogs->doOpenDialog(found, uiText("Please, Relocate Sound"), KFileTypeID(0)))
+        if (dialogs->doOpenDialog(found, uiText("Please Relocate Sound"), KFileTypeID(0)))
             media->setSoundFile(found);
     }
     if (duration <= 0 && media->getSoundFile().doesExist())

@@ -68,7 +68,7 @@ public:
     void setSound(const KFileReference& file);
     bool saveTo(const KFileReference& file);
     // Reads an SHI file; a sound that is no longer where it was is asked
-    // for under "Please, Relocate Sound". False, after telling, when the
+    // for under "Please Relocate Sound". False, after telling, when the
     // file cannot be read.
     bool loadFrom(const KFileReference& file);
 

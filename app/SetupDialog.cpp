@@ -21,7 +21,7 @@ KString optionText(SetupDialog::Option option)
     case SetupDialog::Looping:
         return uiText("Looping Animation");
     case SetupDialog::HideMenuBar:
-        return uiText("Hide MenuBar");
+        return uiText("Hide Menu Bar");
     default:
         return uiText("Hide Tools");
     }

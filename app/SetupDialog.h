@@ -10,7 +10,7 @@ class KCheckBoxNativeControl;
 class KSliderNativeControl;
 
 // "Animation Setup": how the story plays, as the tape keeps it. Three
-// choices ("Looping Animation", "Hide MenuBar", "Hide Tools", the last two
+// choices ("Looping Animation", "Hide Menu Bar", "Hide Tools", the last two
 // while playing) and the speed: the slider's value v, 1 (slow) to 50
 // (fast), is a play interval of 51 - v milliseconds a tick. The values
 // reach the tape only at OK; Cancel leaves it exactly as it was.

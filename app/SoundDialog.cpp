@@ -47,7 +47,7 @@ bool importIntoMedia(const KFileReference& chosen, KDirectory* media, const KStr
         return false;
     }
     if (reused)
-        alert(title, uiText("File Already in project"));
+        alert(title, uiText("File already in project"));
     return true;
 }
 

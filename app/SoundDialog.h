@@ -65,6 +65,6 @@ private:
 
 // Brings a file the user chose into the media folder (see
 // importMediaFile); without a folder the file stays where it is. Tells
-// "File Already in project" when the folder held the same file already.
+// "File already in project" when the folder held the same file already.
 // False, after telling the dialog's title and why, when it failed.
 bool importIntoMedia(const KFileReference& chosen, KDirectory* media, const KString& title, KFileReference& imported);

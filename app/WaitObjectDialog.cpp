@@ -11,8 +11,9 @@ namespace {
 constexpr int32_t kFirstBoxId = 20;
 
 constexpr const char* kBoxTexts[WaitObjectDialog::FlagCount] = {
-    kTranslatable("Wait Sound Completion"), kTranslatable("Wait Speech Completion"), kTranslatable("Wait User Input"),
-    kTranslatable("Visual Warning"),        kTranslatable("Stop Playing Sounds"),    kTranslatable("Stop Speech"),
+    kTranslatable("Wait for Sound Completion"), kTranslatable("Wait for Speech Completion"),
+    kTranslatable("Wait User Input"),           kTranslatable("Visual Warning"),
+    kTranslatable("Stop Playing Sounds"),       kTranslatable("Stop Speech"),
 };
 
 } // namespace

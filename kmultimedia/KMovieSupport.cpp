@@ -24,10 +24,10 @@ constexpr MediaType kMediaTypes[] = {
     { "AIFF Sound File", "AIFF", "AIF" },      { "AIFF Sound File", "AIFF", "AIFF" },
     { "WAVE Sound File", "WAVE", "WAV" },      { "ULAW Sound File", "ULAW", "AU" },
     { "AIFC Sound File", "AIFC", "AIFC" },     { "System 7 Sound File", "sfil", "SND" },
-    { "MP3 Audio File", "MPG3", "MP3" },       { "Midi File", "MIDI", "MID" },
-    { "Midi File", "MIDI", "MIDI" },           { "Windows Media Audio File", "WMA ", "WMA" },
+    { "MP3 Audio File", "MPG3", "MP3" },       { "MIDI File", "MIDI", "MID" },
+    { "MIDI File", "MIDI", "MIDI" },           { "Windows Media Audio File", "WMA ", "WMA" },
     { "MPEG-4 Audio File", "M4A ", "M4A" },    { "MPEG Movie File", "MPEG", "MPG" },
-    { "Quicktime Movie File", "MooV", "MOV" }, { "MPEG Movie File", "MPEG", "MPEG" },
+    { "QuickTime Movie File", "MooV", "MOV" }, { "MPEG Movie File", "MPEG", "MPEG" },
     { "AVI Movie File", "VfW ", "AVI" },       { "Windows Media Video File", "WMV ", "WMV" },
     { "MPEG-4 Video File", "MP4 ", "MP4" },
 };

@@ -195,14 +195,14 @@ TEST_F(BookmarkSetupDialogTest, SetupShowsTheTapesValuesAndTakesThemAtOk)
         script.then<SetupDialog>([&](SetupDialog& dialog) {
             EXPECT_EQ(std::string(dialog.getTitle().c_str()), "Animation Setup");
             EXPECT_EQ(valueOf(box(dialog, "Looping Animation")), 1);
-            EXPECT_EQ(valueOf(box(dialog, "Hide MenuBar")), 0);
+            EXPECT_EQ(valueOf(box(dialog, "Hide Menu Bar")), 0);
             EXPECT_EQ(valueOf(box(dialog, "Hide Tools")), 1);
             void* slider = nativeControl(layer, dialog, Kind::Slider);
             EXPECT_EQ(valueOf(slider), 40);
             EXPECT_EQ(layer.controlOf(slider)->range.minimum, 1);
             EXPECT_EQ(layer.controlOf(slider)->range.maximum, 50);
             layer.changeControlValue(box(dialog, "Looping Animation"), 0);
-            layer.changeControlValue(box(dialog, "Hide MenuBar"), 1);
+            layer.changeControlValue(box(dialog, "Hide Menu Bar"), 1);
             layer.changeControlValue(slider, 50);
             // Nothing reaches the tape before OK.
             EXPECT_TRUE(tape.isLooping());
@@ -255,7 +255,7 @@ TEST_F(BookmarkSetupDialogTest, CancelLeavesTheTapesStreamByteIdentical)
         tape.clearModified();
 
         script.then<SetupDialog>([&](SetupDialog& dialog) {
-            for (const char* text : { "Looping Animation", "Hide MenuBar", "Hide Tools" })
+            for (const char* text : { "Looping Animation", "Hide Menu Bar", "Hide Tools" })
                 layer.changeControlValue(box(dialog, text), valueOf(box(dialog, text)) ? 0 : 1);
             layer.changeControlValue(nativeControl(layer, dialog, Kind::Slider), 3);
             click(dialog, "Cancel");

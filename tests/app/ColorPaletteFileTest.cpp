@@ -3,6 +3,8 @@
 #include "kernel/KClass.h"
 #include "kernel/KDocument.h"
 #include "kernel/KFile.h"
+#include "kernel/KLocalizer.h"
+#include "kernel/KLocalizerData.h"
 #include "kernel/KVariable.h"
 #include "tools/taleloom-tool/PaletteCommand.h"
 
@@ -136,6 +138,26 @@ TEST_F(ColorPaletteFileTest, WhatWasReadIsSavedAgainByteForByte)
     ASSERT_EQ(decode(first, read), Form::Document);
     EXPECT_EQ(read.colors[0], KColor(0xFF00, 0x1200, 0));
     EXPECT_EQ(ColorPaletteFile::encode(read), first);
+}
+
+// The variables' names are the file's, not the interface's: a palette saved
+// while the program speaks French loads whole while it speaks German.
+TEST_F(ColorPaletteFileTest, APaletteSavedInOneLanguageLoadsInAnother)
+{
+    kCreateBaseLocalizer();
+    KLocalizer* localizer = kBaseLocalizer();
+    ASSERT_NE(localizer, nullptr);
+    localizer->setLanguage(KLocalizer::kFrench);
+    ColorPaletteFile::Colors colors;
+    for (int32_t i = 0; i < ColorPaletteFile::kColorCount; ++i)
+        colors.set(i, KColor(uint16_t(i << 12), 0x4400, 0x8800));
+    Bytes french = ColorPaletteFile::encode(colors);
+    localizer->setLanguage("Deutsch");
+    ColorPaletteFile::Colors read;
+    EXPECT_EQ(decode(french, read), Form::Document);
+    EXPECT_EQ(read.count(), ColorPaletteFile::kColorCount);
+    localizer->setLanguage("English_TL");
+    kDestroyBaseLocalizer();
 }
 
 // --- Reading ---------------------------------------------------------------------------

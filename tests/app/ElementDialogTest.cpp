@@ -141,7 +141,7 @@ TEST_F(ElementDialogTest, WaitTakesItsSixFlagsAndRefusesNothingToWaitFor)
             check(dialog, "Stop Speech", true);
             expectRefused(dialog, "Please check at least one item to wait for.");
             EXPECT_EQ(tape.getCount(), 0);
-            check(dialog, "Wait Speech Completion", true);
+            check(dialog, "Wait for Speech Completion", true);
             check(dialog, "Visual Warning", false);
             check(dialog, "Stop Speech", false);
             click(dialog, "OK");
@@ -237,7 +237,7 @@ TEST_F(ElementDialogTest, SoundImportsIntoMediaPlaysAsTheControlsStandAndNeedsAF
             // The same file again is the one there.
             layer.answerChooser({ true, outside + "/bell.wav" });
             click(dialog, "Import");
-            EXPECT_EQ(lastAlert(), "File Already in project");
+            EXPECT_EQ(lastAlert(), "File already in project");
             EXPECT_EQ(lastCaption(), "Sound");
 
             layer.changeControlValue(nativeControl(layer, dialog, Kind::Slider), 25);

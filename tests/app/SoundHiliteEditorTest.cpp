@@ -423,7 +423,7 @@ TEST_F(SoundHiliteEditorTest, SaveAndLoadKeepTheMarkersAndAMovedSoundIsAskedFor)
         });
         layer.clickControl(buttonNamed(layer, *editor, "Load..."));
         EXPECT_TRUE(script.finished());
-        EXPECT_EQ(layer.chooserRequests().back().title, "Please, Relocate Sound");
+        EXPECT_EQ(layer.chooserRequests().back().title, "Please Relocate Sound");
         EXPECT_EQ(editor->getText(), KString("one two"));
         EXPECT_EQ(timesOf(editor->getMedia()), (std::vector<int32_t> { 0, 1000 }));
         EXPECT_EQ(editor->getDuration(), 2500);

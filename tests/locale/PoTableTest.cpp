@@ -136,6 +136,15 @@ TEST(TranslationCheckTest, TranslationsKeepWhatTheCodeReliesOn)
     EXPECT_NE(checkTranslation(" shows", "montre"), "");
     EXPECT_NE(checkTranslation("Play", ""), "");
 
+    EXPECT_EQ(checkFrenchTypography("Fichier\xC2\xA0: %1 \xC2\xAB\xC2\xA0"
+                                    "Chat\xC2\xA0\xC2\xBB ?"),
+              "a plain blank before \"?\" wants a no-break space");
+    EXPECT_NE(checkFrenchTypography("\xC2\xAB Chat\xC2\xA0\xC2\xBB"), "");
+    EXPECT_NE(checkFrenchTypography("\xC2\xAB\xC2\xA0"
+                                    "Chat \xC2\xBB"),
+              "");
+    EXPECT_EQ(checkFrenchTypography(" : joint\xC2\xA0!"), ""); // an opening blank joins pieces
+
     EXPECT_TRUE(fitsWindowsSet("Caf\xC3\xA9 \xE2\x82\xAC \xE2\x80\xA6 \xC2\xA0!"));
     EXPECT_FALSE(fitsWindowsSet("Narrow\xE2\x80\xAF!")); // U+202F
     EXPECT_FALSE(fitsWindowsSet("\xCE\xB1")); // Greek alpha
@@ -212,7 +221,7 @@ TEST(CatalogueTest, NoKeyIsAFileFormatName)
         ASSERT_TRUE(in) << file;
         std::stringstream contents;
         contents << in.rdbuf();
-        for (const char* name : { "Color " })
+        for (const char* name : { "Color ", "Media" })
             EXPECT_EQ(contents.str().find("msgid \"" + std::string(name) + "\""), std::string::npos)
                 << file << ": " << name;
     }

@@ -91,6 +91,21 @@ std::string checkTranslation(std::string_view key, std::string_view text)
     return {};
 }
 
+std::string checkFrenchTypography(std::string_view text)
+{
+    static constexpr std::string_view kGuillemetOpen = "\xC2\xAB", kGuillemetClose = "\xC2\xBB";
+    for (size_t i = 1; i < text.size(); ++i) {
+        if (text[i] != ' ')
+            continue;
+        char next = i + 1 < text.size() ? text[i + 1] : '\0';
+        if (next == ':' || next == ';' || next == '?' || next == '!')
+            return std::string("a plain blank before \"") + next + "\" wants a no-break space";
+        if (text.substr(i + 1, 2) == kGuillemetClose || (i >= 2 && text.substr(i - 2, 2) == kGuillemetOpen))
+            return "a plain blank inside guillemets wants a no-break space";
+    }
+    return {};
+}
+
 bool isValidUtf8(std::string_view text)
 {
     char32_t character = 0;

@@ -14,6 +14,11 @@ std::vector<std::string> placeholders(std::string_view text);
 // when it can.
 std::string checkTranslation(std::string_view key, std::string_view text);
 
+// Why a French `text` breaks the typography French readers expect (a plain
+// blank where a no-break space belongs: before ":", ";", "?", "!" and inside
+// guillemets), or "". A blank that opens a piece stays plain: it joins.
+std::string checkFrenchTypography(std::string_view text);
+
 bool isValidUtf8(std::string_view text);
 // True when the Windows character set, the program's own, holds every
 // character of the UTF-8 `text`.

@@ -7,14 +7,24 @@
 
 namespace {
 
+bool isFrench(const std::string& catalogue)
+{
+    std::string_view name(catalogue);
+    size_t slash = name.rfind('/');
+    return name.substr(slash == std::string_view::npos ? 0 : slash + 1) == "fr.po";
+}
+
 // Why `entry` cannot go into the program, or "".
-std::string unsoundReason(const PoEntry& entry)
+std::string unsoundReason(const PoEntry& entry, const std::string& catalogue)
 {
     if (!entry.context.empty())
         return "a context (msgctxt) is not supported by the program";
     if (!fitsWindowsSet(entry.key) || !fitsWindowsSet(entry.text))
         return "a character outside the Windows character set";
-    return checkTranslation(entry.key, entry.text);
+    std::string reason = checkTranslation(entry.key, entry.text);
+    if (reason.empty() && isFrench(catalogue))
+        reason = checkFrenchTypography(entry.text);
+    return reason;
 }
 
 std::string quote(const std::string& text)
@@ -56,7 +66,7 @@ std::vector<TranslationRow> collectRows(const std::vector<PoCatalogue>& language
         for (const PoEntry& entry : language.entries) {
             if (!entry.isUsable())
                 continue;
-            std::string reason = unsoundReason(entry);
+            std::string reason = unsoundReason(entry, language.name);
             if (!reason.empty()) {
                 problems.push_back({ language.name, entry.line, "\"" + entry.key + "\": " + reason });
                 continue;
@@ -113,7 +123,7 @@ std::vector<PoProblem> checkCatalogues(const PoCatalogue& templ, const PoCatalog
             if (!entry || !entry->isUsable())
                 problems.push_back(
                     { language.name, entry ? entry->line : 0, "\"" + key.key + "\" has no translation" });
-            else if (std::string reason = unsoundReason(*entry); !reason.empty())
+            else if (std::string reason = unsoundReason(*entry, language.name); !reason.empty())
                 problems.push_back({ language.name, entry->line, "\"" + key.key + "\": " + reason });
         }
     }
