@@ -2,6 +2,7 @@
 
 #include "app/StylusActions.h"
 #include "app/StylusMenuRules.h"
+#include "app/ToolPalette.h"
 #include "app/UiText.h"
 #include "kernel/KClass.h"
 #include "kernel/KFileReference.h"
@@ -24,6 +25,7 @@ FileMenu::FileMenu()
     addSeparator();
     addItem(LoadColors, withEllipsis(uiText("Load Colors")));
     addItem(SaveColors, withEllipsis(uiText("Save Colors")));
+    addItem(ResetColors, uiText("Reset Colors"));
     addSeparator();
     addItem(RecordSound, withEllipsis(uiText("Record Sound")), 'R');
     addItem(SpeechExceptions, withEllipsis(uiText("Speech Exceptions")));
@@ -68,6 +70,7 @@ KEventReturn FileMenu::doOpen(KMenuEvent&)
     enableItem(PrintBook, documentCommands && bool(hooks.printBook));
     enableItem(LoadColors, bool(hooks.loadColors));
     enableItem(SaveColors, bool(hooks.saveColors));
+    enableItem(ResetColors, ToolPalette::current() != nullptr);
     enableItem(RecordSound, bool(hooks.recordSound));
     enableItem(SpeechExceptions, true);
     enableItem(Quit, true);
@@ -107,6 +110,10 @@ KEventReturn FileMenu::doMenuItem(KMenuEvent& event)
         break;
     case SaveColors:
         actions->doSaveColors();
+        break;
+    case ResetColors:
+        if (ToolPalette* palette = ToolPalette::current())
+            palette->resetColors();
         break;
     case RecordSound: {
         KFileReference recorded;

@@ -23,6 +23,7 @@ public:
         Print = 13,
         PrintBook = 14,
         Quit = 15,
+        ResetColors = 16,
     };
 
     FileMenu();

@@ -163,6 +163,13 @@ void MainPreferences::readFrom(const KPreferences& stored)
     read.integer("NewDocH", height);
     newDocW = pageSide(width, kDefaultPageWidth);
     newDocH = pageSide(height, kDefaultPageHeight);
+    read.real("PaletteScale", paletteScale);
+    if (paletteScale != 1.5 && paletteScale != 2.0)
+        paletteScale = 1.0;
+    read.flag("ScanPalette", scanPalette);
+    read.integer("ScanInterval", scanInterval);
+    if (scanInterval < 500 || scanInterval > 5000)
+        scanInterval = kDefaultScanInterval;
 }
 
 void MainPreferences::writeTo(KPreferences& stored) const
@@ -179,6 +186,9 @@ void MainPreferences::writeTo(KPreferences& stored) const
     stored.setBool("HighlightElements", highlightElements);
     stored.setLong("NewDocW", newDocW);
     stored.setLong("NewDocH", newDocH);
+    stored.setDouble("PaletteScale", paletteScale);
+    stored.setBool("ScanPalette", scanPalette);
+    stored.setLong("ScanInterval", scanInterval);
 }
 
 bool MainPreferencesStore::load(MainPreferences& values)

@@ -17,6 +17,7 @@ struct MainPreferences {
     static constexpr int16_t kDefaultPageHeight = 600;
     // "SpeechSpeed" for the voice's own speed; 65535 is taken the same way.
     static constexpr double kVoiceOwnSpeed = -1.0;
+    static constexpr int32_t kDefaultScanInterval = 1500;
 
     bool childMode = false;
     KString defaultColorPalette;
@@ -33,6 +34,11 @@ struct MainPreferences {
     bool highlightElements = true;
     int16_t newDocW = kDefaultPageWidth;
     int16_t newDocH = kDefaultPageHeight;
+    // The tool palette as the child needs it: 1, 1.5 or 2 times its size,
+    // and the switch scanning with its interval in milliseconds.
+    double paletteScale = 1.0;
+    bool scanPalette = false;
+    int32_t scanInterval = kDefaultScanInterval;
 
     // Takes the values found in `stored`, in the keys' order; a missing key
     // keeps its default, a stored value out of range gives the default.

@@ -31,6 +31,7 @@
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
 #include "app/UiText.h"
+#include "app/ViewMenu.h"
 #include "kernel/KClass.h"
 #include "kernel/KErrorHandler.h"
 #include "kernel/KFileReference.h"
@@ -144,7 +145,8 @@ void StylusApplication::registerClasses()
     KLevelMeterControl::registerClass();
     StylusMenuBar::registerClass()->setTransient();
     for (KClass* menu : { FileMenu::registerClass(), EditMenu::registerClass(), ItemsMenu::registerClass(),
-                          FormatMenu::registerClass(), AnimMenu::registerClass(), ActorsMenu::registerClass() })
+                          FormatMenu::registerClass(), AnimMenu::registerClass(), ActorsMenu::registerClass(),
+                          ViewMenu::registerClass() })
         menu->setTransient();
     ElementDialog::registerDialogClasses();
     EditBookmarkDialog::registerClass();
@@ -195,6 +197,9 @@ void StylusApplication::doInit()
     }
     toolPalette->open(KWindow::OpenMode::Normal);
     toolPalette->finishOpen();
+    toolPalette->setScale(preferences.paletteScale);
+    if (preferences.scanPalette)
+        toolPalette->setScanInterval(preferences.scanInterval);
     navigationPalette->open(KWindow::OpenMode::Hidden);
     navigationPalette->finishOpen();
     if (KCursorManager* cursors = KCursorManager::current())

@@ -10,6 +10,7 @@
 #include "app/StylusMenuRules.h"
 #include "app/StylusWindow.h"
 #include "app/UiText.h"
+#include "app/ViewMenu.h"
 #include "kernel/KClass.h"
 #include "kernel/KErrorHandler.h"
 #include "kernel/KJsonWriter.h"
@@ -105,6 +106,7 @@ StylusMenuBar::StylusMenuBar()
     gMenuBar = this;
     addMenu(*kAdopt(new FileMenu()));
     addMenu(*kAdopt(new EditMenu()));
+    addMenu(*kAdopt(new ViewMenu()));
     addMenu(*kAdopt(new FormatMenu()));
     addMenu(*kAdopt(new AnimMenu()));
     addMenu(*kAdopt(new ActorsMenu()));

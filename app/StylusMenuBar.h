@@ -13,7 +13,7 @@ class FormatMenu;
 class AnimMenu;
 class ActorsMenu;
 
-// The program's menu bar: File, Edit (with the Toolbox), Format, Animate,
+// The program's menu bar: File, Edit (with the Toolbox), View, Format, Animate,
 // Actors and Help. It shows on the main window, except while a story
 // plays in full screen or with the tape's "hide menu bar" flag, and in
 // full screen unless the user asked for it (Shift+M); its accelerators

@@ -209,6 +209,7 @@ private:
     KEventReturn keyWhilePaused(KKeyEvent& event);
     bool stepKeys(int32_t code, bool shift, bool control);
     bool brushKeys(int32_t code);
+    bool paletteKeys(int32_t code, bool shift);
     // The front actor on the scene under the point, and its name.
     Actor* actorAt(const KGraphicPoint& local, KString& name) const;
     void openEditPicture(TapeObject& element, EditMode mode, const KString& alreadyOpen);

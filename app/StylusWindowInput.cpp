@@ -19,6 +19,7 @@ namespace {
 
 constexpr int32_t kShift = 1;
 constexpr int32_t kControl = 2;
+constexpr int32_t kMovePaneKey = KKeyEvent::F1 + 5; // F6
 
 // The colour keys name the buttons in two rows of eight, light over dark;
 // the buttons themselves alternate light and dark.
@@ -325,6 +326,8 @@ KEventReturn StylusWindow::doKeyDown(KKeyEvent& event)
     }
     if (strokes.isOpen() || motion)
         return 0;
+    if (paletteKeys(code, shift))
+        return 1;
     bool control = (event.getModifiers() & kControl) != 0;
     if (stepKeys(code, shift, control) || brushKeys(code))
         return 1;
@@ -397,6 +400,35 @@ bool StylusWindow::stepKeys(int32_t code, bool shift, bool control)
     case '.':
         if (!highlightShown)
             showHighlight();
+        return true;
+    default:
+        return false;
+    }
+}
+
+// The palette never takes the keyboard, so the page lends it keys: F6 and
+// Shift+F6 (the desktop's key for moving between panes) walk the palette's
+// ring; while the ring is there, Space and Return press its control and
+// Escape gives the keys back to the page. A switch mapped to Space then
+// reaches every control while the palette scans.
+bool StylusWindow::paletteKeys(int32_t code, bool shift)
+{
+    ToolPalette* palette = ToolPalette::current();
+    if (!palette || !palette->isVisible())
+        return false;
+    if (code == kMovePaneKey) {
+        palette->focusNext(shift);
+        return true;
+    }
+    if (!palette->getFocusedControl())
+        return false;
+    switch (code) {
+    case ' ':
+    case KKeyEvent::Return:
+        palette->pressFocused();
+        return true;
+    case KKeyEvent::Escape:
+        palette->clearFocus();
         return true;
     default:
         return false;

@@ -130,6 +130,8 @@ ToolPalette::ToolPalette()
 
 ToolPalette::~ToolPalette()
 {
+    stopTimer(scanTimer);
+    stopTimer(longPressTimer);
     if (gToolPalette == this)
         gToolPalette = nullptr;
 }
@@ -680,10 +682,77 @@ void ToolPalette::colourButtonAction(StylusColorButtonControl& button, int32_t t
         chooserPress = (button.getPressModifiers() & kControlKey) != 0 || button.getPressButton() == KMouseEvent::Right;
         if (chooserPress)
             pickColour(button);
+        else
+            startLongPress(button);
         return;
     }
-    if (type == KImageControl::Released && !chooserPress)
-        selectColorButton(button.getId() - FirstColourButton);
+    if (type == KImageControl::Released) {
+        heldButton = nullptr;
+        stopTimer(longPressTimer);
+        if (!chooserPress)
+            selectColorButton(button.getId() - FirstColourButton);
+    }
+}
+
+void ToolPalette::startLongPress(StylusColorButtonControl& button)
+{
+    heldButton = &button;
+    if (!longPressTimer) {
+        longPressTimer = kAdopt(new KTimer());
+        longPressTimer->setMode(KTimer::Relative);
+        longPressTimer->setTarget(this);
+    }
+    longPressTimer->setInterval(kLongPress);
+    longPressTimer->start();
+}
+
+void ToolPalette::stopTimer(KPtr<KTimer>& timer)
+{
+    if (timer)
+        timer->stop();
+}
+
+void ToolPalette::timerFired(KTimer& timer)
+{
+    if (&timer == scanTimer.get()) {
+        focusNext(false);
+        return;
+    }
+    if (&timer != longPressTimer.get())
+        return;
+    timer.stop();
+    StylusColorButtonControl* button = heldButton;
+    heldButton = nullptr;
+    // The chooser answers this press: its release selects nothing.
+    if (button && button->isTracking() && button->isEnabled()) {
+        chooserPress = true;
+        pickColour(*button);
+    }
+}
+
+void ToolPalette::setScanInterval(int32_t milliseconds)
+{
+    scanInterval = milliseconds <= 0 ? 0 : std::clamp(milliseconds, kMinimumScanInterval, kMaximumScanInterval);
+    if (scanInterval == 0) {
+        stopTimer(scanTimer);
+        return;
+    }
+    if (!scanTimer) {
+        scanTimer = kAdopt(new KTimer());
+        scanTimer->setMode(KTimer::Relative);
+        scanTimer->setRepeat(true);
+        scanTimer->setTarget(this);
+    }
+    scanTimer->setInterval(scanInterval);
+    scanTimer->start();
+}
+
+void ToolPalette::close()
+{
+    stopTimer(scanTimer);
+    stopTimer(longPressTimer);
+    heldButton = nullptr;
+    KPaletteWindow::close();
 }
 
 void ToolPalette::pickColour(StylusColorButtonControl& button)
@@ -834,6 +903,12 @@ void ToolPalette::pressFocused()
 {
     if (KImageControl* focused = getFocusedControl())
         focused->pressByKey();
+}
+
+void ToolPalette::clearFocus()
+{
+    if (KImageControl* focused = getFocusedControl())
+        focused->setFocus(false);
 }
 
 // Tab and Shift+Tab walk the ring, Space and Return press.

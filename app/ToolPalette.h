@@ -6,6 +6,7 @@
 #include "kernel/KDirectory.h"
 #include "windowing/KImageControl.h"
 #include "windowing/KPaletteWindow.h"
+#include "windowing/KTimer.h"
 
 #include <array>
 #include <vector>
@@ -160,6 +161,24 @@ public:
     KImageControl* getFocusedControl() const;
     // The control with the ring is pressed as by the mouse.
     void pressFocused();
+    // The ring leaves the palette: keys go back to the page.
+    void clearFocus();
+
+    // --- Switch scanning -----------------------------------------------------------
+    // For a child with a single switch mapped to Space: the ring steps on by
+    // itself every interval, and Space presses the control it stands on.
+    static constexpr int32_t kMinimumScanInterval = 500;
+    static constexpr int32_t kMaximumScanInterval = 5000;
+    // 0 stops scanning; other intervals are kept within the bounds above.
+    void setScanInterval(int32_t milliseconds);
+    int32_t getScanInterval() const { return scanInterval; }
+    bool isScanning() const { return scanInterval > 0; }
+
+    // Holding a colour button this long opens the colour chooser, as
+    // Control+click and the right button do: a press anyone can make.
+    static constexpr int32_t kLongPress = 700;
+    void timerFired(KTimer& timer) override;
+    void close() override;
 
 private:
     void buildControls();
@@ -182,7 +201,15 @@ private:
     // The controls in the order the focus goes through them.
     std::vector<KImageControl*> focusOrder() const;
 
+    void startLongPress(StylusColorButtonControl& button);
+    void stopTimer(KPtr<KTimer>& timer);
+
     std::array<KImageControlPtr, LastControl + 1> controls;
+    KPtr<KTimer> scanTimer;
+    KPtr<KTimer> longPressTimer;
+    // The colour button held down, while the long press is timed.
+    StylusColorButtonControl* heldButton = nullptr;
+    int32_t scanInterval = 0;
     KAlphaImagePtr sizeBase;
     KColor brushColor;
     int32_t selectedButton = kDefaultColourButton;

@@ -142,9 +142,9 @@ TEST_F(MenuTest, TheNativeStripShowsTheModelAndOnlyEnabledItemsCanBeClicked)
     runApp({}, [&](TestApplication& app) {
         const KFakeNativeLayer::MenuBar* strip = layer.menuBarOf(mainHandle());
         ASSERT_NE(strip, nullptr);
-        ASSERT_EQ(strip->menus.size(), 6u);
+        ASSERT_EQ(strip->menus.size(), 7u);
         EXPECT_EQ(strip->menus[0].text, "File");
-        EXPECT_EQ(strip->menus[5].text, "Help");
+        EXPECT_EQ(strip->menus[6].text, "Help");
 
         // Opening Edit renames its items in the strip.
         EditMenu& edit = bar().getEditMenu();

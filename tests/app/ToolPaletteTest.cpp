@@ -314,6 +314,69 @@ TEST_F(ToolPaletteTest, TabWalksTheUsableControlsAndSpacePressesTheOneWithTheRin
     });
 }
 
+// A child who cannot Control+click or use a second button holds the colour
+// button instead; a child with one switch lets the ring come to the control
+// and presses Space on the page.
+TEST_F(ToolPaletteTest, ALongPressPicksAColourAndTheRingReachesThePaletteFromThePage)
+{
+    runApp({ sampleCopy() }, [&](TestApplication& app) {
+        ToolPalette& palette = *app.getToolPalette();
+        palette.selectColorButton(7);
+        layer.answerColour({ 0x1200, 0x3400, 0x5600 });
+        auto [x, y] = centreOf(3);
+        onPalette(KNativeMessage::LeftDown, KMouseKeys::LeftButton, x, y);
+        layer.advance(ToolPalette::kLongPress / 2);
+        app.turn();
+        EXPECT_EQ(layer.colourRequests(), 0) << "not yet a long press";
+        layer.advance(ToolPalette::kLongPress);
+        app.turn();
+        EXPECT_EQ(layer.colourRequests(), 1);
+        onPalette(KNativeMessage::LeftUp, 0, x, y);
+        EXPECT_EQ(palette.getButtonColor(2), KColor(0x1200, 0x3400, 0x5600));
+        EXPECT_EQ(palette.getSelectedButton(), 7) << "the release after the chooser selects nothing";
+        clickControl(4);
+        layer.advance(2 * ToolPalette::kLongPress);
+        app.turn();
+        EXPECT_EQ(layer.colourRequests(), 1) << "a short click starts no chooser later";
+        EXPECT_EQ(palette.getSelectedButton(), 3);
+
+        // F6 on the page brings the ring; Space presses; Escape gives the
+        // keys back (Space then edits the element again).
+        StylusWindow& window = *StylusWindow::current();
+        auto send = [&](int32_t code, int32_t modifiers = 0) {
+            KKeyEvent event(KKeyEvent::KeyDown, &window, code, modifiers);
+            window.doKeyDown(event);
+        };
+        send(KKeyEvent::F1 + 5);
+        ASSERT_NE(palette.getFocusedControl(), nullptr);
+        EXPECT_EQ(palette.getFocusedControl()->getId(), 1);
+        send(KKeyEvent::F1 + 5);
+        send(' ');
+        EXPECT_EQ(palette.getSelectedButton(), 1);
+        send(KKeyEvent::Escape);
+        EXPECT_EQ(palette.getFocusedControl(), nullptr);
+
+        // Scanning steps the ring by itself, at the interval only.
+        palette.setScanInterval(100);
+        EXPECT_EQ(palette.getScanInterval(), ToolPalette::kMinimumScanInterval) << "kept within its bounds";
+        layer.advance(ToolPalette::kMinimumScanInterval + 10);
+        app.turn();
+        ASSERT_NE(palette.getFocusedControl(), nullptr);
+        EXPECT_EQ(palette.getFocusedControl()->getId(), 1);
+        for (int32_t step = 2; step <= 5; ++step) {
+            layer.advance(ToolPalette::kMinimumScanInterval + 10);
+            app.turn();
+        }
+        EXPECT_EQ(palette.getFocusedControl()->getId(), 5);
+        send(' ');
+        EXPECT_EQ(palette.getSelectedButton(), 4);
+        palette.setScanInterval(0);
+        layer.advance(3 * ToolPalette::kMinimumScanInterval);
+        app.turn();
+        EXPECT_EQ(palette.getFocusedControl()->getId(), 5) << "stopped";
+    });
+}
+
 // --- Palette files -------------------------------------------------------------------------
 
 TEST_F(ToolPaletteTest, PaletteFilesLoadWholeOrNotAtAllAndSaveWhereTheUserKeepsThem)
