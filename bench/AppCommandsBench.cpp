@@ -1,0 +1,223 @@
+// What the program's own commands cost a person, with the whole program
+// running on the fake native layer and the sample story open.
+//
+// BM_PaletteStep: back and forward by the palette's buttons at the end of
+// the story, with every refresh that follows (page, palette, navigation),
+// against the same steps on a bare copy of the tape that draws into an
+// image page. Counters: palette_ms and bare_ms (mean a step, best of 5
+// rounds) and ratio, which must stay at most 1.2.
+//
+// BM_MenuOpen: every menu of the bar brought up to date as when the user
+// opens it, in the idle state. Counters open_mean_ms, open_p95_ms,
+// open_max_ms; the bound is 2 ms.
+//
+// BM_PlayLatency: Control+G to the tape's first play tick: the work of the
+// loop's turns plus the time the loop waits for the tick. Counters
+// play_mean_ms, play_p95_ms, play_max_ms; the bound is 50 ms.
+
+#include "app/StylusActions.h"
+#include "app/StylusApplication.h"
+#include "app/StylusMenuBar.h"
+#include "app/StylusWindow.h"
+#include "app/ToolPalette.h"
+#include "bench/LatencyReport.h"
+#include "project/StylusProject.h"
+#include "tape/ImageTapePage.h"
+#include "tape/Tape.h"
+#include "windowing/KEventTranslator.h"
+#include "windowing/KMenu.h"
+#include "windowing/KMenuEvent.h"
+#include "windowing/KNativeLayer.h"
+#include "windowing/KServices.h"
+#include "windowing/KTimerManager.h"
+#include "windowing/KWindowingClasses.h"
+#include "windowing/KWindowingServices.h"
+#include "windowing/testing/KFakeNativeLayer.h"
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double millisecondsSince(Clock::time_point start)
+{
+    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+}
+
+// The program with its settings and story in a folder of its own.
+class BenchApplication : public StylusApplication {
+public:
+    std::function<void(BenchApplication&)> body;
+    void doInit() override
+    {
+        StylusApplication::doInit();
+        // The story on the command line opens from the first turns.
+        for (int i = 0; i < 3; ++i)
+            turn();
+        body(*this);
+        postQuit();
+    }
+    void scheduleStartupDialog() override { }
+    void turn() { doOneLoop(); }
+};
+
+struct Sandbox {
+    fs::path root = fs::temp_directory_path() / ("taleloom-bench-" + std::to_string(::getpid()));
+    Sandbox()
+    {
+        fs::create_directories(root / "home");
+        setenv("HOME", (root / "home").c_str(), 1);
+        setenv("XDG_CONFIG_HOME", (root / "config").c_str(), 1);
+        setenv("XDG_DATA_HOME", (root / "data").c_str(), 1);
+        fs::copy(fs::path(TALELOOM_SOURCE_DIR) / "data/samples/Sample", root / "Sample", fs::copy_options::recursive);
+    }
+    ~Sandbox()
+    {
+        std::error_code ignored;
+        fs::remove_all(root, ignored);
+    }
+    std::string story() const { return (root / "Sample" / "Sample.TPD").string(); }
+};
+
+void runProgram(KFakeNativeLayer& layer, const std::function<void(BenchApplication&)>& body)
+{
+    Sandbox sandbox;
+    kRegisterWindowingClasses();
+    KNativeLayer::install(&layer);
+    knsEnterKernel();
+    kServices() = KServices();
+    kInstallWindowingServices();
+    kksResetTranslator();
+    KTimerManager::destroy();
+    std::string story = sandbox.story();
+    const char* argv[] = { "taleloom", story.c_str() };
+    KPtr<BenchApplication> application(new BenchApplication());
+    application->body = body;
+    application->setAppFlags(KApplication::NeverBlock);
+    application->run("StylusWindow", 2, argv);
+    KTimerManager::destroy();
+    kServices() = KServices();
+    kksResetTranslator();
+    KNativeLayer::install(nullptr);
+}
+
+// A deep copy of the tape, drawing into an image page and told nothing:
+// the bare cost of a step.
+TapePtr bareCopy(const Tape& tape) { return kAdopt(static_cast<Tape*>(tape.deepCopy())); }
+
+constexpr int kSteps = 40;
+
+// The mean time of a back and forward step, best of 5 rounds.
+double stepMean(const std::function<void()>& back, const std::function<void()>& forward)
+{
+    double best = 1e9;
+    for (int round = 0; round < 5; ++round) {
+        Clock::time_point start = Clock::now();
+        for (int i = 0; i < kSteps; ++i) {
+            back();
+            forward();
+        }
+        best = std::min(best, millisecondsSince(start) / (2 * kSteps));
+    }
+    return best;
+}
+
+void BM_PaletteStep(benchmark::State& state)
+{
+    KFakeNativeLayer layer;
+    double palette = 0;
+    double bare = 0;
+    runProgram(layer, [&](BenchApplication& app) {
+        Tape& tape = *app.getProject()->getTape();
+        ToolPalette& tools = *app.getToolPalette();
+        StylusActions::current()->goToEnd();
+        app.turn();
+        auto press = [&](int32_t id) {
+            tools.getControl(id)->pressByKey();
+            app.turn();
+        };
+        for (auto _ : state)
+            palette = stepMean([&] { press(ToolPalette::BackButton); }, [&] { press(ToolPalette::ForwardButton); });
+
+        TapePtr copy = bareCopy(tape);
+        KPtr<ImageTapePage> page = kAdopt(new ImageTapePage(tape.getPageSize()));
+        copy->setSpriteSystem(*page);
+        copy->goToPosition(copy->getCount());
+        bare = stepMean([&] { copy->stepBack(); }, [&] { copy->stepForward(); });
+    });
+    state.counters["palette_ms"] = palette;
+    state.counters["bare_ms"] = bare;
+    state.counters["ratio"] = bare > 0 ? palette / bare : 0;
+}
+
+void BM_MenuOpen(benchmark::State& state)
+{
+    KFakeNativeLayer layer;
+    std::vector<double> times;
+    runProgram(layer, [&](BenchApplication& app) {
+        app.turn();
+        StylusMenuBar& bar = *app.getStylusMenuBar();
+        for (auto _ : state) {
+            for (int round = 0; round < 50; ++round) {
+                for (const KMenuPtr& menu : bar.getMenus()) {
+                    KMenuEvent event(KMenuEvent::MenuOpen);
+                    Clock::time_point start = Clock::now();
+                    menu->doOpen(event);
+                    times.push_back(millisecondsSince(start));
+                }
+            }
+        }
+    });
+    report(state, "open", times);
+}
+
+void BM_PlayLatency(benchmark::State& state)
+{
+    KFakeNativeLayer layer;
+    std::vector<double> times;
+    runProgram(layer, [&](BenchApplication& app) {
+        Tape& tape = *app.getProject()->getTape();
+        void* window = StylusWindow::current()->getNativeWindow();
+        for (auto _ : state) {
+            for (int round = 0; round < 30; ++round) {
+                StylusActions::current()->goToBeginning();
+                app.turn();
+                uint32_t clockStart = layer.now();
+                Clock::time_point start = Clock::now();
+                layer.typeAccelerator(window, 'G');
+                // The first tick has run when an element is playing or the
+                // tape has gone past one; the fake clock counts the loop's
+                // waiting for the tick.
+                auto ticked = [&] { return tape.getPlayingObject() != nullptr || tape.getPlayIndex() > 0; };
+                while (tape.isPlaying() && !ticked() && layer.now() - clockStart < 1000) {
+                    app.turn();
+                    if (!ticked())
+                        layer.advance(1);
+                }
+                times.push_back(millisecondsSince(start) + double(layer.now() - clockStart));
+                StylusActions::current()->stopPlay();
+                app.turn();
+            }
+        }
+    });
+    report(state, "play", times);
+}
+
+} // namespace
+
+BENCHMARK(BM_PaletteStep)->Iterations(1);
+BENCHMARK(BM_MenuOpen)->Iterations(1);
+BENCHMARK(BM_PlayLatency)->Iterations(1);
