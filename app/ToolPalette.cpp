@@ -267,7 +267,39 @@ KEventReturn ToolPalette::doPaint(KWindowEvent&)
 {
     const KGraphicRectangle& client = getClientBounds();
     fillRectangle(KGraphicRectangle(0, 0, client.width, client.height), KColor(KColor::White));
+    // Every change of the controls shows on the palette: what a reader is
+    // told follows from here.
+    tellScreenReaders();
     return 0;
+}
+
+void ToolPalette::tellScreenReaders()
+{
+    std::vector<KNativeAccessible> told;
+    // The short palette keeps its second row below its edge.
+    int32_t height = getClientBounds().height;
+    for (int32_t id = 1; id <= LastControl; ++id) {
+        const KImageControl& control = *controls[size_t(id)];
+        if (!control.isVisible() || control.getBounds().y >= height)
+            continue;
+        KNativeAccessible item;
+        item.name = control.getTooltip().c_str();
+        bool colour = id >= FirstColourButton && id <= LastColourButton;
+        item.role = colour                   ? KNativeAccessibleRole::ToggleButton
+                    : id == SizeControl      ? KNativeAccessibleRole::Slider
+                    : id == ElementIndicator ? KNativeAccessibleRole::Image
+                                             : KNativeAccessibleRole::Button;
+        KWideRectangle place = control.getBounds();
+        item.bounds = KNativeRect { place.x, place.y, place.width, place.height };
+        item.enabled = control.isEnabled();
+        item.focused = control.hasFocus();
+        item.pressed = colour && id - FirstColourButton == selectedButton;
+        told.push_back(std::move(item));
+    }
+    if (told == toldScreenReaders || !getNativeWindow())
+        return;
+    toldScreenReaders = told;
+    KNativeLayer::get().setAccessibleControls(getNativeWindow(), told);
 }
 
 // A frame that passes the screen's bottom ends there.
@@ -897,6 +929,7 @@ void ToolPalette::focusNext(bool backwards)
     if (focused)
         focused->setFocus(false);
     order[next]->setFocus(true, true);
+    tellScreenReaders();
 }
 
 void ToolPalette::pressFocused()
@@ -909,6 +942,7 @@ void ToolPalette::clearFocus()
 {
     if (KImageControl* focused = getFocusedControl())
         focused->setFocus(false);
+    tellScreenReaders();
 }
 
 // Tab and Shift+Tab walk the ring, Space and Return press.

@@ -161,6 +161,10 @@ public:
     KImageControl* getFocusedControl() const;
     // The control with the ring is pressed as by the mouse.
     void pressFocused();
+    // Tells the screen reader the controls as they stand: name (the hover
+    // text), kind, place, and whether each is usable, has the ring or is
+    // the selected colour. Only a change is passed on.
+    void tellScreenReaders();
     // The ring leaves the palette: keys go back to the page.
     void clearFocus();
 
@@ -205,6 +209,7 @@ private:
     void stopTimer(KPtr<KTimer>& timer);
 
     std::array<KImageControlPtr, LastControl + 1> controls;
+    std::vector<KNativeAccessible> toldScreenReaders;
     KPtr<KTimer> scanTimer;
     KPtr<KTimer> longPressTimer;
     // The colour button held down, while the long press is timed.

@@ -41,6 +41,8 @@ void KNativeLayer::setWindowModal(void*, bool) { }
 void KNativeLayer::invalidateWindow(void*, const KNativeRect&) { }
 void KNativeLayer::setWindowTooltip(void*, const char*) { }
 
+void KNativeLayer::setAccessibleControls(void*, const std::vector<KNativeAccessible>&) { }
+
 void KNativeLayer::screenSize(int32_t& width, int32_t& height) const
 {
     width = 1280;

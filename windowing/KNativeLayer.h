@@ -63,6 +63,10 @@ public:
     virtual void invalidateWindow(void* handle, const KNativeRect& area);
     // The hover hint of a window; null or empty removes it.
     virtual void setWindowTooltip(void* handle, const char* text);
+    // The controls the window draws itself, for screen readers: each
+    // becomes an accessible child of the window's drawing, in this order.
+    // A new list replaces the old one.
+    virtual void setAccessibleControls(void* handle, const std::vector<KNativeAccessible>& controls);
     virtual void screenSize(int32_t& width, int32_t& height) const;
 
     // --- Controls -----------------------------------------------------------

@@ -238,6 +238,23 @@ namespace KNativeAnswer {
 enum : int32_t { Cancel = 1, Yes = 2, No = 3, Ok = 4 };
 }
 
+// A control that a window draws itself, as a screen reader is told of it:
+// its name (the Windows set, as every text the program gives the layer),
+// what kind of thing it is, where it stands in client terms, and its state.
+enum class KNativeAccessibleRole : int32_t { Button = 0, ToggleButton = 1, Slider = 2, Image = 3 };
+
+struct KNativeAccessible {
+    std::string name;
+    KNativeAccessibleRole role = KNativeAccessibleRole::Button;
+    KNativeRect bounds;
+    bool enabled = true;
+    bool focused = false;
+    // A toggle button that is down (the selected colour).
+    bool pressed = false;
+
+    bool operator==(const KNativeAccessible& other) const = default;
+};
+
 // Everything the program puts on the clipboard at once: text, an image and
 // its private formats, each under its own target name.
 struct KNativeClipboardContent {

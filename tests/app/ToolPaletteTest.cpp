@@ -377,6 +377,50 @@ TEST_F(ToolPaletteTest, ALongPressPicksAColourAndTheRingReachesThePaletteFromThe
     });
 }
 
+// A blind teacher's screen reader finds every control by its hover text,
+// its kind and its state, and follows the ring.
+TEST_F(ToolPaletteTest, ScreenReadersAreToldEveryControlByName)
+{
+    runApp({ sampleCopy() }, [&](TestApplication& app) {
+        ToolPalette& palette = *app.getToolPalette();
+        palette.showFull(true);
+        palette.selectColorButton(2);
+        palette.focusNext(false);
+        auto told = [&] { return layer.windowOf(palette.getNativeWindow())->accessibles; };
+        // The item told of a control: the one standing where it stands.
+        auto toldOf = [&](int32_t id) {
+            KWideRectangle place = palette.getControl(id)->getBounds();
+            for (const KNativeAccessible& item : told()) {
+                if (item.bounds == KNativeRect { place.x, place.y, place.width, place.height })
+                    return item;
+            }
+            ADD_FAILURE() << "control " << id << " was not told";
+            return KNativeAccessible();
+        };
+        size_t shown = 0;
+        for (int32_t id = 1; id <= ToolPalette::LastControl; ++id) {
+            if (!palette.getControl(id)->isVisible())
+                continue;
+            ++shown;
+            EXPECT_EQ(toldOf(id).name, ToolPalette::tooltipOf(id).c_str()) << id;
+            EXPECT_FALSE(toldOf(id).name.empty()) << id;
+        }
+        EXPECT_EQ(told().size(), shown);
+        EXPECT_GE(shown, size_t(30));
+        EXPECT_EQ(toldOf(1).role, KNativeAccessibleRole::ToggleButton);
+        EXPECT_TRUE(toldOf(1).focused);
+        EXPECT_TRUE(toldOf(3).pressed) << "the selected colour";
+        EXPECT_EQ(toldOf(ToolPalette::SizeControl).role, KNativeAccessibleRole::Slider);
+        EXPECT_EQ(toldOf(ToolPalette::PlayButton).role, KNativeAccessibleRole::Button);
+        palette.clearFocus();
+        EXPECT_FALSE(toldOf(1).focused);
+        palette.showFull(false);
+        KWindowEvent paint(KWindowEvent::Paint, &palette);
+        palette.paint(paint);
+        EXPECT_LT(told().size(), shown) << "the hidden row is not told";
+    });
+}
+
 // --- Palette files -------------------------------------------------------------------------
 
 TEST_F(ToolPaletteTest, PaletteFilesLoadWholeOrNotAtAllAndSaveWhereTheUserKeepsThem)

@@ -4,6 +4,7 @@
 #include "kernel/KErrorHandler.h"
 #include "windowing/KEventTranslator.h"
 #include "windowing/KWindow.h"
+#include "windowing/native/KGtkAccessible.h"
 #include "windowing/native/KGtkDialogs.h"
 #include "windowing/native/KGtkKeys.h"
 #include "windowing/native/KGtkText.h"
@@ -543,7 +544,7 @@ void* KGtkNativeLayer::openWindow(KWindow& owner, const KNativeWindowSetup& setu
     handle->resizable = setup.resizable;
     handle->window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
     handle->overlay = gtk_overlay_new();
-    handle->area = gtk_drawing_area_new();
+    handle->area = kGtkCanvasNew();
     handle->fixed = gtk_fixed_new();
     gtk_widget_set_can_focus(handle->area, TRUE);
     gtk_container_add(GTK_CONTAINER(handle->overlay), handle->area);
@@ -645,6 +646,12 @@ void KGtkNativeLayer::invalidateWindow(void* handle, const KNativeRect& area)
     if (display)
         gtk_widget_queue_draw_area(static_cast<KGtkWindowHandle*>(handle)->area, area.x, area.y, area.width,
                                    area.height);
+}
+
+void KGtkNativeLayer::setAccessibleControls(void* handle, const std::vector<KNativeAccessible>& controls)
+{
+    if (display)
+        kGtkSetAccessibleControls(static_cast<KGtkWindowHandle*>(handle)->area, controls);
 }
 
 void KGtkNativeLayer::setWindowTooltip(void* handle, const char* text)

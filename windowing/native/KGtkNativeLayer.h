@@ -36,6 +36,7 @@ public:
     void setWindowModal(void* handle, bool modal) override;
     void invalidateWindow(void* handle, const KNativeRect& area) override;
     void setWindowTooltip(void* handle, const char* text) override;
+    void setAccessibleControls(void* handle, const std::vector<KNativeAccessible>& controls) override;
     void screenSize(int32_t& width, int32_t& height) const override;
     void setWindowFullScreen(void* handle, bool fullScreen) override;
     KNativeRect workArea() const override;

@@ -216,6 +216,12 @@ void KFakeNativeLayer::setWindowTooltip(void* handle, const char* text)
         window->tooltip = text ? text : "";
 }
 
+void KFakeNativeLayer::setAccessibleControls(void* handle, const std::vector<KNativeAccessible>& controls)
+{
+    if (auto* window = const_cast<Window*>(windowOf(handle)))
+        window->accessibles = controls;
+}
+
 void KFakeNativeLayer::screenSize(int32_t& width, int32_t& height) const
 {
     width = screenWidth;

@@ -35,6 +35,7 @@ public:
         bool enabled = true;
         bool modal = false;
         std::string tooltip;
+        std::vector<KNativeAccessible> accessibles;
         int32_t invalidations = 0;
         KNativeRect lastInvalidated;
     };
@@ -101,6 +102,7 @@ public:
     void setWindowModal(void* handle, bool modal) override;
     void invalidateWindow(void* handle, const KNativeRect& area) override;
     void setWindowTooltip(void* handle, const char* text) override;
+    void setAccessibleControls(void* handle, const std::vector<KNativeAccessible>& controls) override;
     void screenSize(int32_t& width, int32_t& height) const override;
     void* createControl(void* window, const KNativeControlSetup& setup) override;
     void destroyControl(void* control) override;
