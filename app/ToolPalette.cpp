@@ -302,7 +302,7 @@ void ToolPalette::tellScreenReaders()
     KNativeLayer::get().setAccessibleControls(getNativeWindow(), told);
 }
 
-// A frame that passes the screen's bottom ends there.
+// A frame that passes the screen's edge ends there.
 void ToolPalette::keepOnScreen()
 {
     int32_t screenWidth = 0;
@@ -310,10 +310,14 @@ void ToolPalette::keepOnScreen()
     if (KNativeLayer* layer = KNativeLayer::current())
         layer->screenSize(screenWidth, screenHeight);
     KGraphicRectangle frame = getClientBounds();
-    if (screenHeight <= 0 || frame.y + frame.height <= screenHeight)
-        return;
-    frame.y = int16_t(std::max(0, screenHeight - frame.height));
-    setBounds(frame);
+    KGraphicRectangle kept = frame;
+    // A palette made larger may pass the right edge too.
+    if (screenWidth > 0 && kept.x + kept.width > screenWidth)
+        kept.x = int16_t(std::max(0, screenWidth - kept.width));
+    if (screenHeight > 0 && kept.y + kept.height > screenHeight)
+        kept.y = int16_t(std::max(0, screenHeight - kept.height));
+    if (kept.x != frame.x || kept.y != frame.y)
+        setBounds(kept);
 }
 
 // --- Brush ---------------------------------------------------------------------------
