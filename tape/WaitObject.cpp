@@ -182,7 +182,7 @@ KEventReturn WaitObject::handleKeyDown(KKeyEvent& event)
 {
     if (!listening || phase != User || event.getType() != KKeyEvent::KeyDown || isStopKey(event))
         return 0;
-    phase = Answered;
+    answer();
     return 1;
 }
 
@@ -197,8 +197,21 @@ KEventReturn WaitObject::handleMouseDown(KMouseEvent&)
 KEventReturn WaitObject::handleMouseUp(KMouseEvent&)
 {
     if (listening && phase == ButtonDown)
-        phase = Answered;
+        answer();
     return 0;
+}
+
+// The answer ends the wait at once, through the step the tape would take
+// at its next tick: that tick then starts the next element, so the story
+// goes on within one tick of the answer.
+void WaitObject::answer()
+{
+    phase = Answered;
+    Tape* tape = getTape();
+    if (tape && tape->getPlayingObject() == this) {
+        TapePtr held(tape);
+        tape->handleTimer();
+    }
 }
 
 // --- Persistence ------------------------------------------------------------------

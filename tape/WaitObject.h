@@ -67,6 +67,7 @@ private:
     void enterUserPhase();
     void showMarks(bool shown);
     void finish();
+    void answer();
     // Whether any medium of the kind in the media manager's list still
     // plays, and stopping them all.
     template<class Media>

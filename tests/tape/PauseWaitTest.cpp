@@ -129,7 +129,9 @@ TEST_F(PauseWaitTest, AKeyAnswersAWaitForTheUserButNotTheStopKeysOrRepeats)
     // A full stop without Control is an answer like any other key.
     EXPECT_EQ(tape->handleKeyDown(*key('.')), 1);
     EXPECT_EQ(wait->getPhase(), Phase::Answered);
-    EXPECT_EQ(ticksHeld(*wait), 1);
+    // The answer ends the wait at once: the next tick is the next element's.
+    EXPECT_NE(tape->getPlayingObject(), wait.get());
+    EXPECT_EQ(ticksHeld(*wait), 0);
     EXPECT_EQ(media.waitMarks, std::vector<bool>({ true, false }));
     // The cursor goes back to how the wait found it.
     EXPECT_FALSE(media.cursor);
@@ -153,7 +155,7 @@ TEST_F(PauseWaitTest, AClickCountsWhenTheButtonGoesUpAndOnlyAPressMadeWhileWaiti
 
     EXPECT_EQ(tape->handleMouseUp(*mouse(KMouseEvent::Up)), 0);
     EXPECT_EQ(wait->getPhase(), Phase::Answered);
-    EXPECT_EQ(ticksHeld(*wait), 1);
+    EXPECT_EQ(ticksHeld(*wait), 0);
     EXPECT_EQ(tape->getPlayIndex(), 1);
     // A press after the wait is not the wait's.
     EXPECT_EQ(wait->handleMouseDown(*mouse(KMouseEvent::Down)), 0);
@@ -185,7 +187,7 @@ TEST_F(PauseWaitTest, APauseDropsTheWaitAndResumingShowsItsMarksAgain)
     EXPECT_EQ(tape->getPlayingObject(), wait.get());
     EXPECT_EQ(media.waitMarks, std::vector<bool>({ true, false, true }));
     EXPECT_EQ(tape->handleKeyDown(*key(' ')), 1);
-    EXPECT_EQ(ticksHeld(*wait), 1);
+    EXPECT_EQ(ticksHeld(*wait), 0);
     EXPECT_FALSE(media.marksOn);
 
     // A wait that dies with its marks on takes them away.

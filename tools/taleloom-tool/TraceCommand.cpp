@@ -274,7 +274,15 @@ bool traceTick(TraceRun& run, ElementLog& log, int32_t nowMs)
 {
     run.clock.setTime(run.zero + uint32_t(nowMs));
     run.host.nowMs = nowMs;
+    // An answer ends a wait as it arrives, between ticks; a stop key ends
+    // the play, which is no end of the element.
+    auto noteAnswer = [&](TapeObject* waiting) {
+        if (waiting && run.tape.isPlaying() && run.tape.getPlayingObject() != waiting)
+            log.ended(waiting, nowMs);
+    };
+    TapeObject* waiting = run.tape.getPlayingObject();
     bool pressed = deliverInputs(run, nowMs);
+    noteAnswer(waiting);
     run.media.manager->idle();
     if (!run.tape.isPlaying())
         return false;
@@ -291,8 +299,11 @@ bool traceTick(TraceRun& run, ElementLog& log, int32_t nowMs)
     } else if (before && run.tape.getPlayingObject() != before) {
         log.ended(before, nowMs);
     }
-    if (pressed)
+    if (pressed) {
+        waiting = run.tape.getPlayingObject();
         releaseButton(run);
+        noteAnswer(waiting);
+    }
     run.result.endMs = nowMs;
     // A looping story is traced once through.
     if (run.tape.isPlaying() && run.tape.isLooping() && run.tape.getPlayIndex() < index) {
