@@ -108,7 +108,9 @@ KEventReturn EditMenu::doOpen(KMenuEvent&)
     bool idle = state.tape != nullptr;
     enableItem(Modify, idle && kind >= WaitType && kind <= ImageType && kind != RelayMacroType);
     enableItem(SetBookmark, idle && state.position() > 0 && hooks && hooks->editBookmark);
-    enableItem(NavigationTool, hooks && hooks->toggleNavigation);
+    // The tool walks the story's tape: while an actor is edited it can be
+    // hidden, not shown.
+    enableItem(NavigationTool, hooks && hooks->toggleNavigation && (navigationShown || !state.actorEditing));
     enableItem(Preferences, hooks && hooks->preferences);
     enableItem(PaletteSize, palette != nullptr);
     for (const KMenuItemPtr& item : getItems()) {

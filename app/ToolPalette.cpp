@@ -235,7 +235,7 @@ StylusColorButtonControl* ToolPalette::getColorButton(int32_t index) const
 {
     if (!isColourButton(index))
         return nullptr;
-    return static_cast<StylusColorButtonControl*>(controls[size_t(index + FirstColourButton)].get());
+    return static_cast<StylusColorButtonControl*>(controls[size_t(index) + size_t(FirstColourButton)].get());
 }
 
 // --- Window -------------------------------------------------------------------------

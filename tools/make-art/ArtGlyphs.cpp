@@ -446,7 +446,9 @@ void allKinds(cairo_t* cr)
 {
     const Rgb colours[] = { kRed, kYellow, kGreen, kBlue };
     for (int i = 0; i < 4; ++i) {
-        roundedRectangle(cr, 10 + 44 * (i % 2), 10 + 44 * (i / 2), 36, 36, 8);
+        int column = i % 2;
+        int row = i / 2;
+        roundedRectangle(cr, 10 + 44 * column, 10 + 44 * row, 36, 36, 8);
         fillOutlined(cr, colours[i], 5);
     }
 }
