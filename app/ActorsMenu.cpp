@@ -1,5 +1,6 @@
 #include "app/ActorsMenu.h"
 
+#include "app/ActorEditor.h"
 #include "app/StylusMenuRules.h"
 #include "app/UiText.h"
 #include "kernel/KClass.h"
@@ -79,15 +80,21 @@ int32_t ActorsMenu::getBackgroundMode() const
     return backgrounds.findItem(Stretch)->isChecked() ? 4 : 3;
 }
 
-// The actor commands themselves are still to come: only the window
-// background, which the menu keeps, works in actor editing.
+// The movement and frame commands work on the actor being edited; flips,
+// the movement's parameters and a custom background are still to come.
 void ActorsMenu::openParts(bool actor)
 {
     getMovementMenu().setEnabled(actor);
     getFrameMenu().setEnabled(actor);
     getBackgroundMenu().setEnabled(actor);
-    getMovementMenu().enableAllItems(false);
-    getFrameMenu().enableAllItems(false);
+    KMenu& moves = getMovementMenu();
+    moves.enableAllItems(false);
+    for (int32_t item : { NewMovement, DuplicateMovement, RemoveMovement, EditOtherMovement })
+        moves.enableItem(item, actor);
+    KMenu& frames = getFrameMenu();
+    frames.enableAllItems(false);
+    for (int32_t item : { NewFrame, DuplicateFrame, RemoveFrame, EditOtherFrame })
+        frames.enableItem(item, actor);
     KMenu& backgrounds = getBackgroundMenu();
     backgrounds.enableAllItems(actor);
     backgrounds.enableItem(BackgroundCustom, false);
@@ -101,12 +108,17 @@ KEventReturn ActorsMenu::doOpen(KMenuEvent&)
         return 1;
     }
     bool actor = state.actorEditing && !state.playing;
+    bool story = !state.actorEditing && !state.playing && state.tape;
     setItemTitle(SaveActor, saveTitle(state));
     enableAllItems(false);
     for (const KMenuItemPtr& item : getItems()) {
         if (item->getSubMenu())
             item->setEnabled(actor);
     }
+    for (int32_t item : { NewActor, ImportActor, DuplicateActor, EditActor })
+        enableItem(item, story);
+    for (int32_t item : { SaveActor, SaveActorAs, EndActorEditing })
+        enableItem(item, actor);
     openParts(actor);
     return 1;
 }
@@ -127,5 +139,62 @@ KEventReturn ActorsMenu::doMenuItem(KMenuEvent& event)
         stretch->setChecked(!stretch->isChecked());
         return 1;
     }
-    return 0;
+    ActorEditor* editor = ActorEditor::current();
+    if (!editor)
+        return 0;
+    KPtr<ActorEditor> held(editor);
+    return runCommand(*editor, id) ? 1 : 0;
+}
+
+bool ActorsMenu::runCommand(ActorEditor& editor, int32_t id)
+{
+    switch (id) {
+    case NewActor:
+        editor.doNewActor();
+        return true;
+    case ImportActor:
+        editor.doImportActor();
+        return true;
+    case DuplicateActor:
+        editor.doDuplicateActor();
+        return true;
+    case EditActor:
+        editor.doEditActor();
+        return true;
+    case SaveActor:
+        editor.doSaveActor();
+        return true;
+    case SaveActorAs:
+        editor.doSaveActorAs();
+        return true;
+    case EndActorEditing:
+        editor.doEndActorEditing();
+        return true;
+    case NewMovement:
+        editor.newMovement();
+        return true;
+    case DuplicateMovement:
+        editor.duplicateMovement();
+        return true;
+    case RemoveMovement:
+        editor.removeMovement();
+        return true;
+    case EditOtherMovement:
+        editor.editOtherMovement();
+        return true;
+    case NewFrame:
+        editor.newFrame();
+        return true;
+    case DuplicateFrame:
+        editor.duplicateFrame();
+        return true;
+    case RemoveFrame:
+        editor.removeFrame();
+        return true;
+    case EditOtherFrame:
+        editor.editOtherFrame();
+        return true;
+    default:
+        return false;
+    }
 }

@@ -2,6 +2,8 @@
 
 #include "windowing/KMenu.h"
 
+class ActorEditor;
+
 // "Actors", always in the bar: its first four items work in tape editing,
 // the others while an actor is being edited. The Movement, Frame and
 // Window Background sub-menus work on the actor being edited; the window
@@ -52,6 +54,7 @@ public:
 private:
     // The sub-menus' items come back to this menu.
     void openParts(bool actor);
+    static bool runCommand(ActorEditor& editor, int32_t id);
     KThingPtr movement;
     KThingPtr frame;
     KThingPtr background;

@@ -1,5 +1,6 @@
 #include "app/StylusActions.h"
 
+#include "app/ActorEditor.h"
 #include "app/KSoundRecordDialog.h"
 #include "app/KSpeechExceptionsDialog.h"
 #include "app/NewProjectDialog.h"
@@ -68,7 +69,19 @@ StylusWindow* StylusActions::window() const { return StylusWindow::current(); }
 
 Tape* StylusActions::tape() const { return project ? project->getTape() : nullptr; }
 
-bool StylusActions::tapeIsIdle() const { return !tape() || tape()->getPlayState() == Tape::PlayState::Stopped; }
+Tape* StylusActions::shownTape() const
+{
+    StylusWindow* shown = window();
+    if (shown && shown->getWindowMode() == WindowMode::ActorEditing && shown->getTape())
+        return shown->getTape();
+    return tape();
+}
+
+bool StylusActions::tapeIsIdle() const
+{
+    Tape* shown = shownTape();
+    return !shown || shown->getPlayState() == Tape::PlayState::Stopped;
+}
 
 void StylusActions::stopEditing()
 {
@@ -143,7 +156,11 @@ int32_t StylusActions::saveProjectChanges()
 }
 
 // The actor editor is not built yet: no actor can hold unsaved changes.
-int32_t StylusActions::saveActorChanges() { return No; }
+int32_t StylusActions::saveActorChanges()
+{
+    ActorEditor* editor = ActorEditor::current();
+    return editor ? editor->saveActorChanges() : No;
+}
 
 int32_t StylusActions::doQuit()
 {

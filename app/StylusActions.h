@@ -147,6 +147,9 @@ public:
 private:
     StylusWindow* window() const;
     Tape* tape() const;
+    // The tape the commands on the page work on: the frame shown while an
+    // actor is edited, otherwise the story's.
+    Tape* shownTape() const;
     void addInserted(TapeObject& element);
     void insertThroughDialog(int32_t kind);
     TapeObjectPtr askSoundElement();

@@ -39,7 +39,7 @@ void StylusActions::play(bool fromPosition, bool fullScreen, bool quitAfter)
 {
     quitAfterPlay = quitAfter;
     StylusWindow* shown = window();
-    Tape* played = tape();
+    Tape* played = shownTape();
     if (!shown || !played || played->getCount() == 0)
         return;
     WindowMode mode = shown->getWindowMode();
@@ -72,7 +72,7 @@ void StylusActions::play(bool fromPosition, bool fullScreen, bool quitAfter)
 void StylusActions::stopPlay()
 {
     StylusWindow* shown = window();
-    Tape* played = tape();
+    Tape* played = shownTape();
     if (played)
         played->stopPlaying();
     if (shown) {
@@ -102,43 +102,43 @@ void StylusActions::stopPlay()
 
 void StylusActions::goBack()
 {
-    if (!tape() || !tapeIsIdle())
+    if (!shownTape() || !tapeIsIdle())
         return;
     stopEditing();
-    tape()->stepBack();
+    shownTape()->stepBack();
 }
 
 void StylusActions::goForward()
 {
-    if (!tape() || !tapeIsIdle())
+    if (!shownTape() || !tapeIsIdle())
         return;
     stopEditing();
-    tape()->stepForward();
+    shownTape()->stepForward();
 }
 
 void StylusActions::goToBeginning()
 {
-    if (!tape() || !tapeIsIdle())
+    if (!shownTape() || !tapeIsIdle())
         return;
     stopEditing();
-    tape()->goToStart();
+    shownTape()->goToStart();
 }
 
 void StylusActions::goToEnd()
 {
-    if (!tape() || !tapeIsIdle())
+    if (!shownTape() || !tapeIsIdle())
         return;
     stopEditing();
-    tape()->goToEnd();
+    shownTape()->goToEnd();
 }
 
 void StylusActions::deleteLast()
 {
-    if (!tape() || !tapeIsIdle())
+    if (!shownTape() || !tapeIsIdle())
         return;
     finishPastePlacement(false);
     stopEditing();
-    tape()->removeCurrentElement();
+    shownTape()->removeCurrentElement();
     if (StylusWindow* shown = window())
         shown->redrawPage(true);
     tellChanged();
@@ -175,17 +175,17 @@ void StylusActions::moveToolPalette()
 
 void StylusActions::modifyCurrentElement()
 {
-    if (!tape() || !tapeIsIdle())
+    if (!shownTape() || !tapeIsIdle())
         return;
     stopEditing();
-    tape()->editCurrentElement();
+    shownTape()->editCurrentElement();
 }
 
 bool StylusActions::canInsertElement(int32_t kind) const
 {
     StylusWindow* shown = window();
     KWindowManager* manager = KWindowManager::current();
-    if (!shown || !tape() || !tapeIsIdle() || (manager && manager->getModalCount() > 0))
+    if (!shown || !shownTape() || !tapeIsIdle() || (manager && manager->getModalCount() > 0))
         return false;
     WindowMode mode = shown->getWindowMode();
     if (mode == WindowMode::ActorEditing && kind != TextType && kind != ImageType && kind != SoundType
@@ -216,11 +216,11 @@ bool StylusActions::canInsertElement(int32_t kind) const
 // the user go in with their defaults, and a sound asks only for its file.
 void StylusActions::insertElement(int32_t kind)
 {
-    if (!tape() || !tapeIsIdle() || kind < 1 || kind > 10 || kind == 2 || kind == 8)
+    if (!shownTape() || !tapeIsIdle() || kind < 1 || kind > 10 || kind == 2 || kind == 8)
         return;
     stopEditing();
     if (hookTable.insertWithDialog) {
-        hookTable.insertWithDialog(*tape(), kind);
+        hookTable.insertWithDialog(*shownTape(), kind);
         return;
     }
     if (ElementDialog::createsKind(kind)) {
@@ -259,7 +259,7 @@ void StylusActions::insertNewText()
 {
     StylusTextPtr text(new StylusText());
     takeTextDefaults(*text);
-    KGraphicSize pageSize = tape()->getPageSize();
+    KGraphicSize pageSize = shownTape()->getPageSize();
     if (pageSize.width <= 0 || pageSize.height <= 0)
         pageSize = TapeHost::get().newDocumentPageSize();
     text->placeCentred(pageSize);
@@ -291,14 +291,14 @@ void StylusActions::insertThroughDialog(int32_t kind)
     StylusWindow* shown = window();
     if (shown)
         shown->hideBrush();
-    ElementDialog::create(*tape(), kind);
+    ElementDialog::create(*shownTape(), kind);
     if (StylusWindow* after = window())
         after->updateBrushPosition();
 }
 
 void StylusActions::addInserted(TapeObject& element)
 {
-    tape()->addElement(element);
+    shownTape()->addElement(element);
     if (StylusWindow* shown = window())
         shown->redrawPage(false);
     elementAdded();

@@ -1,5 +1,6 @@
 #include "app/StylusApplication.h"
 
+#include "app/ActorEditor.h"
 #include "app/ActorsMenu.h"
 #include "app/AnimMenu.h"
 #include "app/AppClasses.h"
@@ -24,6 +25,7 @@
 #include "app/SetupDialog.h"
 #include "app/StartupDialog.h"
 #include "app/StateFile.h"
+#include "app/StringSelectorDialog.h"
 #include "app/StylusActions.h"
 #include "app/StylusColorButtonControl.h"
 #include "app/StylusMenuBar.h"
@@ -144,6 +146,8 @@ void StylusApplication::registerClasses()
     KEditSoundNameDialog::registerClass();
     KLevelMeterControl::registerClass();
     StylusMenuBar::registerClass()->setTransient();
+    ActorEditor::registerClass()->setTransient();
+    StringSelectorDialog::registerClass();
     for (KClass* menu : { FileMenu::registerClass(), EditMenu::registerClass(), ItemsMenu::registerClass(),
                           FormatMenu::registerClass(), AnimMenu::registerClass(), ActorsMenu::registerClass(),
                           ViewMenu::registerClass() })
@@ -168,6 +172,7 @@ void StylusApplication::doInit()
     formatMenu = kAdopt(new KTextFormatMenu());
     textDefaults = TextDefaults();
     actions = kAdopt(new StylusActions());
+    actorEditor = kAdopt(new ActorEditor());
     toolPalette = kAdopt(new ToolPalette());
     navigationPalette = kAdopt(new NavigationPalette());
     actions->hooks().loadColors = [](const KFileReference& file) {

@@ -17,6 +17,7 @@
 class ToolPalette;
 class NavigationPalette;
 class StylusActions;
+class ActorEditor;
 class StylusWindow;
 class RecoveryCopy;
 class StateFile;
@@ -133,6 +134,7 @@ private:
     KPtr<ToolPalette> toolPalette;
     KPtr<NavigationPalette> navigationPalette;
     KPtr<StylusActions> actions;
+    KPtr<ActorEditor> actorEditor;
     KPtr<StylusMenuBar> menuBar;
     KMediaManagerPtr mediaManager;
     KTextFormatMenuPtr formatMenu;

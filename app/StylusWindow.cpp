@@ -1,5 +1,6 @@
 #include "app/StylusWindow.h"
 
+#include "app/ActorEditor.h"
 #include "app/NavigationPalette.h"
 #include "app/SceneTapePage.h"
 #include "app/StylusActions.h"
@@ -287,6 +288,11 @@ void StylusWindow::updateTitle()
 {
     if (windowMode == WindowMode::None)
         setWindowMode(WindowMode::TapeEditing);
+    ActorEditor* editor = ActorEditor::current();
+    if (windowMode == WindowMode::ActorEditing && editor && editor->isEditing()) {
+        setTitle(editor->titleText());
+        return;
+    }
     KString name = kTranslate("Untitled");
     if (project && project->hasFile())
         name = project->getFile()->getPath().getName();

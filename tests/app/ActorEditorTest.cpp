@@ -1,0 +1,170 @@
+#include "AppTestSupport.h"
+#include "DialogTestSupport.h"
+
+#include "app/ActorEditor.h"
+#include "app/StringSelectorDialog.h"
+#include "app/StylusActions.h"
+#include "app/StylusWindow.h"
+#include "app/actors/Actor.h"
+#include "app/actors/ActorSequence.h"
+#include "project/StylusProject.h"
+#include "tape/Stroke.h"
+#include "tape/Tape.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+namespace fs = std::filesystem;
+using namespace apptest;
+using Kind = KNativeControlKind;
+
+namespace {
+
+class ActorEditorTest : public AppTest {
+protected:
+    DialogScript script { layer };
+
+    std::string sampleCopy()
+    {
+        folder = freshFolder("actor-editor");
+        fs::copy(std::string(std::getenv("TALELOOM_TEST_SOURCE_DIR")) + "/data/samples/Sample", folder + "/Sample",
+                 fs::copy_options::recursive);
+        return folder + "/Sample/Sample.TPD";
+    }
+    std::string actorsFolder() const { return folder + "/Sample/Actors"; }
+    std::string title() const { return StylusWindow::current()->getTitle().c_str(); }
+
+    void click(KWindow& dialog, const std::string& button) { layer.clickControl(buttonNamed(layer, dialog, button)); }
+    // The next selector: types the name (or picks the entry) and presses OK.
+    void answerName(const std::string& typed)
+    {
+        script.then<StringSelectorDialog>([=, this](StringSelectorDialog& dialog) {
+            EXPECT_TRUE(layer.typeControlText(nativeControl(layer, dialog, Kind::Entry), typed));
+            click(dialog, "OK");
+        });
+    }
+    void answerChoice(int32_t index)
+    {
+        script.then<StringSelectorDialog>([=, this](StringSelectorDialog& dialog) {
+            EXPECT_TRUE(layer.changeControlValue(nativeControl(layer, dialog, Kind::PopUpList), index));
+            click(dialog, "OK");
+        });
+    }
+    // A stroke painted on the frame the window shows.
+    static void paintOn(Tape& frame)
+    {
+        StrokePtr stroke(new Stroke());
+        stroke->addPoint(10, 10);
+        stroke->addPoint(40, 30);
+        frame.addElement(*stroke);
+    }
+
+    std::string folder;
+};
+
+// A teacher makes an actor frame by frame, saves it into the project,
+// goes back to the story and opens it again as it was saved.
+TEST_F(ActorEditorTest, AnActorIsDrawnFrameByFrameSavedAndOpenedAgain)
+{
+    runApp({ sampleCopy() }, [&](TestApplication& app) {
+        app.turn(2);
+        StylusWindow& window = *StylusWindow::current();
+        ActorEditor& editor = *ActorEditor::current();
+        Tape* story = window.getTape();
+        editor.doNewActor();
+        ASSERT_TRUE(editor.isEditing());
+        EXPECT_EQ(window.getWindowMode(), WindowMode::ActorEditing);
+        EXPECT_NE(window.getTape(), story);
+        EXPECT_EQ(title(), "Actor: No Name - Movement1 - Frame 1");
+        paintOn(*window.getTape());
+        editor.newFrame();
+        EXPECT_EQ(title(), "Actor: No Name - Movement1 - Frame 2");
+        paintOn(*window.getTape());
+        editor.duplicateFrame();
+        EXPECT_EQ(editor.getFrame(), 2);
+        EXPECT_EQ(window.getTape()->getCount(), 1) << "the copy has the frame's stroke";
+        answerChoice(0);
+        editor.editOtherFrame();
+        EXPECT_EQ(editor.getFrame(), 0);
+
+        // A name in use is refused and asked again.
+        answerName("Walker");
+        script.then<StringSelectorDialog>([&](StringSelectorDialog& dialog) {
+            EXPECT_EQ(layer.alerts().back().text, "This Actor Already Exists; please choose another name!");
+            EXPECT_TRUE(layer.typeControlText(nativeControl(layer, dialog, Kind::Entry), "Cat"));
+            click(dialog, "OK");
+        });
+        EXPECT_TRUE(editor.doSaveActor());
+        EXPECT_TRUE(script.finished());
+        EXPECT_TRUE(fs::exists(actorsFolder() + "/Cat.ACT"));
+        EXPECT_FALSE(editor.hasChanges());
+        EXPECT_EQ(title(), "Actor: Cat - Movement1 - Frame 1");
+
+        editor.doEndActorEditing();
+        EXPECT_FALSE(editor.isEditing());
+        EXPECT_EQ(window.getWindowMode(), WindowMode::TapeEditing);
+        EXPECT_EQ(window.getTape(), story);
+
+        EXPECT_EQ(ActorEditor::actorNamesIn(*app.getProject()->getActorsDirectory()),
+                  (std::vector<KString> { "Cat", "Walker" }));
+        answerChoice(0);
+        editor.doEditActor();
+        ASSERT_TRUE(editor.isEditing());
+        Actor& opened = *editor.getActor();
+        ASSERT_EQ(opened.getSequenceCount(), 1);
+        EXPECT_EQ(opened.getSequenceAt(0)->getFrameCount(), 3);
+        EXPECT_EQ(window.getTape()->getCount(), 1);
+
+        // Movements: a new one, then removed again after the question.
+        editor.newMovement();
+        EXPECT_EQ(opened.getSequenceCount(), 2);
+        EXPECT_EQ(title(), "Actor: Cat - Movement 2 - Frame 1");
+        answerChoice(1);
+        layer.answerMessageBox(KNativeAnswer::Yes);
+        editor.removeMovement();
+        EXPECT_EQ(opened.getSequenceCount(), 1);
+        size_t alerts = layer.alerts().size();
+        editor.removeMovement();
+        EXPECT_EQ(layer.alerts().size(), alerts + 1) << "the last movement stays";
+        EXPECT_EQ(opened.getSequenceCount(), 1);
+
+        // Leaving with changes asks; Cancel stays in the editor.
+        layer.answerMessageBox(KNativeAnswer::Cancel);
+        editor.doEndActorEditing();
+        EXPECT_TRUE(editor.isEditing());
+        layer.answerMessageBox(KNativeAnswer::No);
+        editor.doEndActorEditing();
+        EXPECT_FALSE(editor.isEditing());
+        layer.answerMessageBox(KNativeAnswer::No);
+    });
+}
+
+TEST_F(ActorEditorTest, AnUntitledStoryHasNowhereToKeepAnActor)
+{
+    runApp({}, [&](TestApplication&) {
+        ActorEditor& editor = *ActorEditor::current();
+        editor.doNewActor();
+        EXPECT_FALSE(editor.isEditing());
+        ASSERT_FALSE(layer.alerts().empty());
+        EXPECT_EQ(layer.alerts().back().text, "Actor editing is possible only after giving a name to current project");
+        EXPECT_EQ(StylusWindow::current()->getWindowMode(), WindowMode::TapeEditing);
+    });
+}
+
+TEST_F(ActorEditorTest, ADuplicateTakesAFreeName)
+{
+    runApp({ sampleCopy() }, [&](TestApplication& app) {
+        app.turn(2);
+        ActorEditor& editor = *ActorEditor::current();
+        answerChoice(0);
+        answerName("Walker 2");
+        editor.doDuplicateActor();
+        EXPECT_TRUE(script.finished());
+        EXPECT_TRUE(fs::exists(actorsFolder() + "/Walker 2.ACT"));
+        EXPECT_FALSE(editor.isEditing());
+    });
+}
+
+} // namespace
