@@ -1,5 +1,6 @@
 #include "app/ElementDialog.h"
 
+#include "app/ActorActionDialog.h"
 #include "app/PauseDialog.h"
 #include "app/SoundDialog.h"
 #include "app/SpeechDialog.h"
@@ -8,6 +9,7 @@
 #include "app/TextDialogStandard.h"
 #include "app/UiText.h"
 #include "app/WaitObjectDialog.h"
+#include "app/actors/ActorAction.h"
 #include "kernel/KClass.h"
 #include "tape/StylusPause.h"
 #include "tape/StylusSound.h"
@@ -170,6 +172,7 @@ void ElementDialog::registerDialogClasses()
     SpeechDialog::registerClass();
     SoundDialog::registerClass();
     TextDialogStandard::registerClass();
+    ActorActionDialog::registerClass();
 }
 
 KPtr<ElementDialog> ElementDialog::makeFor(int32_t type)
@@ -185,6 +188,8 @@ KPtr<ElementDialog> ElementDialog::makeFor(int32_t type)
         return kAdopt(new SoundDialog());
     case TextType:
         return kAdopt(new TextDialogStandard());
+    case ActorActionType:
+        return kAdopt(new ActorActionDialog());
     default:
         return KPtr<ElementDialog>();
     }
@@ -193,7 +198,7 @@ KPtr<ElementDialog> ElementDialog::makeFor(int32_t type)
 // A text is made in place, where the user types it; its dialog only edits.
 bool ElementDialog::createsKind(int32_t type)
 {
-    return type == PauseType || type == WaitType || type == SpeechType || type == SoundType;
+    return type == PauseType || type == WaitType || type == SpeechType || type == SoundType || type == ActorActionType;
 }
 
 TapeObjectPtr ElementDialog::makeElement(int32_t type)
@@ -209,6 +214,8 @@ TapeObjectPtr ElementDialog::makeElement(int32_t type)
         return kAdopt(new StylusSound());
     case TextType:
         return kAdopt(new StylusText());
+    case ActorActionType:
+        return kAdopt(new ActorAction());
     default:
         return TapeObjectPtr();
     }

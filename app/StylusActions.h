@@ -152,6 +152,7 @@ private:
     Tape* shownTape() const;
     void addInserted(TapeObject& element);
     void insertThroughDialog(int32_t kind);
+    void insertActorAction();
     TapeObjectPtr askSoundElement();
     void insertNewText();
     void startEditingNewText(StylusText& text);

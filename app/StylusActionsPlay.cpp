@@ -1,5 +1,6 @@
 // Play and stop, the steps along the tape, and inserting elements.
 
+#include "app/ActorEditor.h"
 #include "app/ElementDialog.h"
 #include "app/ProjectFiles.h"
 #include "app/StylusActions.h"
@@ -8,6 +9,8 @@
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
 #include "app/UiText.h"
+#include "app/actors/ActorAction.h"
+#include "app/actors/ActorLoading.h"
 #include "kernel/KDirectory.h"
 #include "kernel/KFileReference.h"
 #include "kernel/KPath.h"
@@ -22,6 +25,7 @@
 #include "tape/TapeHost.h"
 #include "tape/TapeMediaImport.h"
 #include "tape/WaitObject.h"
+#include "windowing/KAlert.h"
 #include "windowing/KApplication.h"
 #include "windowing/KDialogHandler.h"
 #include "windowing/KNativeLayer.h"
@@ -206,6 +210,8 @@ bool StylusActions::canInsertElement(int32_t kind) const
     case ImageType:
         // These have no dialog to be made in yet.
         return bool(hookTable.insertWithDialog);
+    case ActorActionType:
+        return mode == WindowMode::TapeEditing;
     default:
         return false;
     }
@@ -216,9 +222,14 @@ bool StylusActions::canInsertElement(int32_t kind) const
 // the user go in with their defaults, and a sound asks only for its file.
 void StylusActions::insertElement(int32_t kind)
 {
-    if (!shownTape() || !tapeIsIdle() || kind < 1 || kind > 10 || kind == 2 || kind == 8)
+    if (!shownTape() || !tapeIsIdle() || kind < 1 || kind > ActorActionType || kind == StrokeType
+        || kind == RelayMacroType)
         return;
     stopEditing();
+    if (kind == ActorActionType) {
+        insertActorAction();
+        return;
+    }
     if (hookTable.insertWithDialog) {
         hookTable.insertWithDialog(*shownTape(), kind);
         return;
@@ -283,6 +294,31 @@ void StylusActions::takeTextDefaults(StylusText& text)
     const TextDefaults& defaults = application->getTextDefaults();
     text.setTextBlock(defaults.makeBlock(text.getPlainText()));
     text.setBackColour(defaults.getBackColour());
+}
+
+// An actor's entrance, move or jump is placed on the page at once, where
+// the user drags the actor to its place.
+void StylusActions::insertActorAction()
+{
+    KDirectory* actors = project ? project->getActorsDirectory() : nullptr;
+    if (!actors || ActorEditor::actorNamesIn(*actors).empty()) {
+        alert(uiText("Actor"), uiText("No Actor In Project"));
+        return;
+    }
+    Tape& tape = *shownTape();
+    int32_t before = tape.getCount();
+    insertThroughDialog(ActorActionType);
+    if (tape.getCount() != before + 1 || tape.getPosition() < 1)
+        return;
+    auto* action = dynamic_cast<ActorAction*>(tape.getAt(tape.getPosition() - 1));
+    StylusWindow* shown = window();
+    if (!action || !shown)
+        return;
+    loadTapeActors(tape, *actors);
+    shown->redrawPage(true);
+    int32_t kind = action->getAction();
+    if (kind == ActorAction::EnterOnScene || kind == ActorAction::MoveResize || kind == ActorAction::JumpToPosition)
+        shown->startEditActorPosition(*action);
 }
 
 // The brush would stand over the page while the dialog is up.

@@ -1,11 +1,13 @@
 #include "AppTestSupport.h"
 #include "DialogTestSupport.h"
 
+#include "app/ActorActionDialog.h"
 #include "app/ActorEditor.h"
 #include "app/StringSelectorDialog.h"
 #include "app/StylusActions.h"
 #include "app/StylusWindow.h"
 #include "app/actors/Actor.h"
+#include "app/actors/ActorAction.h"
 #include "app/actors/ActorSequence.h"
 #include "project/StylusProject.h"
 #include "tape/Stroke.h"
@@ -164,6 +166,47 @@ TEST_F(ActorEditorTest, ADuplicateTakesAFreeName)
         EXPECT_TRUE(script.finished());
         EXPECT_TRUE(fs::exists(actorsFolder() + "/Walker 2.ACT"));
         EXPECT_FALSE(editor.isEditing());
+    });
+}
+
+// An actor comes into the story through its dialog and is then dragged
+// to its place on the page.
+TEST_F(ActorEditorTest, AnActorEntersTheStoryAndIsPlacedOnThePage)
+{
+    runApp({ sampleCopy() }, [&](TestApplication& app) {
+        app.turn(2);
+        StylusActions& actions = *StylusActions::current();
+        StylusWindow& window = *StylusWindow::current();
+        Tape& tape = *window.getTape();
+        actions.goToEnd();
+        int32_t count = tape.getCount();
+        ASSERT_TRUE(actions.canInsertElement(ActorActionType));
+        script.then<ActorActionDialog>([&](ActorActionDialog& dialog) {
+            EXPECT_EQ(dialog.getActorName(), KString("Walker"));
+            EXPECT_EQ(dialog.getAction(), ActorAction::EnterOnScene);
+            EXPECT_FALSE(dialog.getMovementName().isEmpty()) << "the actor's movements are offered";
+            click(dialog, "OK");
+        });
+        actions.insertElement(ActorActionType);
+        EXPECT_TRUE(script.finished());
+        ASSERT_EQ(tape.getCount(), count + 1);
+        auto* action = dynamic_cast<ActorAction*>(tape.getAt(count));
+        ASSERT_NE(action, nullptr);
+        EXPECT_EQ(action->getActorName(), KString("Walker"));
+        EXPECT_EQ(window.getEditMode(), EditMode::ActorPosition) << "the entrance is placed in place";
+        window.stopEditing();
+        EXPECT_EQ(window.getEditMode(), EditMode::None);
+        layer.answerMessageBox(KNativeAnswer::No);
+    });
+}
+
+TEST_F(ActorEditorTest, WithoutActorsTheActorDialogStaysShut)
+{
+    runApp({}, [&](TestApplication&) {
+        StylusActions::current()->insertElement(ActorActionType);
+        ASSERT_FALSE(layer.alerts().empty());
+        EXPECT_EQ(layer.alerts().back().text, "No Actor In Project");
+        EXPECT_EQ(openDialog<ActorActionDialog>(layer), nullptr);
     });
 }
 
