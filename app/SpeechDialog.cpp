@@ -75,16 +75,16 @@ void SpeechDialog::makeControls()
     const auto& speech = static_cast<const StylusSpeech&>(*getElement());
     addLabel(uiText("Text"), 16, 16, 80);
     textField = kAdopt(
-        new KMultiLineTextNativeControl(kTextId, textForField(speech.getText()), KWideRectangle(100, 14, 304, 70)));
+        new KMultiLineTextNativeControl(kTextId, textForField(speech.getText()), KWideRectangle(100, 14, 404, 70)));
     addControl(*textField);
     addLabel(uiText("Voice"), 16, 100, 80);
     voices = voicesFor(speech.getVoice());
-    voiceList = kAdopt(new KPopUpListNativeControl(kVoiceId, KWideRectangle(100, 96, 180, 26), voices));
+    voiceList = kAdopt(new KPopUpListNativeControl(kVoiceId, KWideRectangle(100, 96, 236, 26), voices));
     auto chosen = std::find(voices.begin(), voices.end(), speech.getVoice());
     voiceList->setSelected(chosen == voices.end() ? 0 : int32_t(chosen - voices.begin()));
     addControl(*voiceList);
-    speakButton = kAdopt(new KButtonNativeControl(kSpeakId, uiText("Speak"), KWideRectangle(290, 98, 56, 22)));
-    stopButton = kAdopt(new KButtonNativeControl(kStopId, uiText("Stop"), KWideRectangle(350, 98, 56, 22)));
+    speakButton = kAdopt(new KButtonNativeControl(kSpeakId, uiText("Speak"), KWideRectangle(348, 96, 76, 26)));
+    stopButton = kAdopt(new KButtonNativeControl(kStopId, uiText("Stop"), KWideRectangle(428, 96, 76, 26)));
     speakButton->setEnabled(KSpeechSupport::hasEngine());
     stopButton->setEnabled(KSpeechSupport::hasEngine());
     addControl(*speakButton);

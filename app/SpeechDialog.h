@@ -17,7 +17,7 @@ class KSliderNativeControl;
 class SpeechDialog : public ElementDialog {
     K_DECLARE_CLASS(SpeechDialog)
 public:
-    static constexpr int32_t kWidth = 420;
+    static constexpr int32_t kWidth = 520;
     static constexpr int32_t kHeight = 260;
 
     SpeechDialog();

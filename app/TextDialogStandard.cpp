@@ -74,12 +74,12 @@ void TextDialogStandard::makeControls()
     }
     addLabel(uiText("Voice"), 36, 82, 60);
     voices = SpeechDialog::voicesFor(text.getVoice());
-    voiceList = kAdopt(new KPopUpListNativeControl(kVoiceId, KWideRectangle(100, 78, 170, 26), voices));
+    voiceList = kAdopt(new KPopUpListNativeControl(kVoiceId, KWideRectangle(100, 78, 236, 26), voices));
     auto chosen = std::find(voices.begin(), voices.end(), text.getVoice());
     voiceList->setSelected(chosen == voices.end() ? 0 : int32_t(chosen - voices.begin()));
     addControl(*voiceList);
-    speakButton = kAdopt(new KButtonNativeControl(kSpeakId, uiText("Speak"), KWideRectangle(280, 80, 60, 22)));
-    stopButton = kAdopt(new KButtonNativeControl(kStopId, uiText("Stop"), KWideRectangle(346, 80, 60, 22)));
+    speakButton = kAdopt(new KButtonNativeControl(kSpeakId, uiText("Speak"), KWideRectangle(348, 78, 76, 26)));
+    stopButton = kAdopt(new KButtonNativeControl(kStopId, uiText("Stop"), KWideRectangle(428, 78, 76, 26)));
     speakButton->setEnabled(KSpeechSupport::hasEngine());
     stopButton->setEnabled(KSpeechSupport::hasEngine());
     addControl(*speakButton);

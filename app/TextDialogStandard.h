@@ -19,7 +19,7 @@ class KSliderNativeControl;
 class TextDialogStandard : public ElementDialog {
     K_DECLARE_CLASS(TextDialogStandard)
 public:
-    static constexpr int32_t kWidth = 420;
+    static constexpr int32_t kWidth = 520;
     static constexpr int32_t kHeight = 330;
     enum Box : int32_t {
         Transparent = 0,

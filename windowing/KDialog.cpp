@@ -117,7 +117,7 @@ void KDialog::placeButtons()
 {
     const KGraphicRectangle& client = getClientBounds();
     int32_t x = client.width;
-    int32_t y = client.height - 30;
+    int32_t y = client.height - kButtonHeight - 8;
     for (int32_t which : { ApplyButton, CancelButton, OkButton }) {
         KButtonNativeControl* button = getStandardButton(which);
         if (!button)
@@ -126,6 +126,13 @@ void KDialog::placeButtons()
         button->setPosition(KWidePoint(x, y));
         button->setSize(KWideSize(kButtonWidth, kButtonHeight));
     }
+}
+
+KEventReturn KDialog::doPaint(KWindowEvent&)
+{
+    const KGraphicRectangle& client = getClientBounds();
+    fillRectangle(KGraphicRectangle(0, 0, client.width, client.height), KColor(KColor::ButtonFace2));
+    return 0;
 }
 
 int32_t KDialog::runModal(OpenMode mode)

@@ -14,7 +14,9 @@ class KDialog : public KWindow {
 public:
     enum StandardButton : int32_t { OkButton = 1, CancelButton = 2, ApplyButton = 4 };
     static constexpr int32_t kButtonWidth = 90;
-    static constexpr int32_t kButtonHeight = 20;
+    // The desktop's buttons are taller than the old 20 pixels; a row this
+    // high keeps them whole inside the dialog.
+    static constexpr int32_t kButtonHeight = 30;
 
     KDialog();
     ~KDialog() override;
@@ -28,6 +30,8 @@ public:
     // disabled meanwhile. Returns the result.
     virtual int32_t runModal(OpenMode mode = Normal);
     KEventReturn doClose(KWindowEvent& event) override;
+    // The dialog's face: the desktop's window colour under its controls.
+    KEventReturn doPaint(KWindowEvent& event) override;
     KEventReturn doControlAction(KControlActionEvent& event) override;
     // A standard button was pressed: OK and Cancel end the dialog with
     // their id, Apply does nothing here.

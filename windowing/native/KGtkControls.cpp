@@ -196,9 +196,15 @@ GtkWidget* makeMultiLineText(KGtkControlHandle& control)
     return scrolled(control.inner);
 }
 
+// A long item is cut with an ellipsis rather than widening the list over
+// the controls beside it; the open list shows it whole.
 GtkWidget* makePopUpList(KGtkControlHandle& control)
 {
     GtkWidget* combo = gtk_combo_box_text_new();
+    GList* cells = gtk_cell_layout_get_cells(GTK_CELL_LAYOUT(combo));
+    for (GList* cell = cells; cell; cell = cell->next)
+        g_object_set(cell->data, "ellipsize", PANGO_ELLIPSIZE_END, nullptr);
+    g_list_free(cells);
     g_signal_connect(combo, "changed", G_CALLBACK(onChanged), &control);
     return combo;
 }
