@@ -87,34 +87,34 @@ void ActorActionDialog::makeControls()
     if (!named.isEmpty() && std::find(actorNames.begin(), actorNames.end(), named) == actorNames.end())
         actorNames.insert(actorNames.begin(), named);
 
-    addLabel(uiText("Actor"), 16, 22, 110);
-    actorList = kAdopt(new KPopUpListNativeControl(kActorId, KWideRectangle(130, 18, 230, 26), actorNames));
+    addLabel(uiText("Actor"), 16, 20, 110);
+    actorList = kAdopt(new KPopUpListNativeControl(kActorId, KWideRectangle(130, 14, 230, 30), actorNames));
     actorList->setSelected(indexOf(actorNames, action.getActorName()));
     addControl(*actorList);
 
     std::vector<KString> actions;
     for (int32_t number = 1; number <= kActionCount; ++number)
         actions.push_back(ActorAction::getActionName(number));
-    addLabel(uiText("Action"), 16, 56, 110);
-    actionList = kAdopt(new KPopUpListNativeControl(kActionId, KWideRectangle(130, 52, 230, 26), actions));
+    addLabel(uiText("Action"), 16, 58, 110);
+    actionList = kAdopt(new KPopUpListNativeControl(kActionId, KWideRectangle(130, 52, 230, 30), actions));
     actionList->setSelected(std::clamp(action.getAction(), 1, kActionCount) - 1);
     addControl(*actionList);
 
-    addLabel(uiText("Movement"), 16, 90, 110);
-    movementList = kAdopt(new KPopUpListNativeControl(kMovementId, KWideRectangle(130, 86, 230, 26)));
+    addLabel(uiText("Movement"), 16, 96, 110);
+    movementList = kAdopt(new KPopUpListNativeControl(kMovementId, KWideRectangle(130, 90, 230, 30)));
     addControl(*movementList);
     fillMovements(action.getMovementName());
 
     std::vector<KString> orders;
     for (int32_t number = 0; number < kOrderCount; ++number)
         orders.push_back(ActorAction::getOrderChangeName(number));
-    addLabel(uiText("Order"), 16, 124, 110);
-    orderList = kAdopt(new KPopUpListNativeControl(kOrderId, KWideRectangle(130, 120, 230, 26), orders));
+    addLabel(uiText("Order"), 16, 134, 110);
+    orderList = kAdopt(new KPopUpListNativeControl(kOrderId, KWideRectangle(130, 128, 230, 30), orders));
     orderList->setSelected(std::clamp(action.getOrderChange(), 0, kOrderCount - 1));
     addControl(*orderList);
 
-    addLabel(uiText("Speed"), 16, 158, 110);
-    speedField = kAdopt(new KSpinFieldNativeControl(kSpeedId, KWideRectangle(130, 154, 100, 24), 0.0,
+    addLabel(uiText("Speed"), 16, 172, 110);
+    speedField = kAdopt(new KSpinFieldNativeControl(kSpeedId, KWideRectangle(130, 166, 120, 30), 0.0,
                                                     double(kMaximumSpeed), double(action.getSpeed())));
     addControl(*speedField);
     enableForAction();

@@ -16,7 +16,7 @@ class ActorActionDialog : public ElementDialog {
     K_DECLARE_CLASS(ActorActionDialog)
 public:
     static constexpr int32_t kWidth = 380;
-    static constexpr int32_t kHeight = 230;
+    static constexpr int32_t kHeight = 260;
     static constexpr int32_t kMaximumSpeed = 100;
 
     ActorActionDialog();

@@ -119,7 +119,7 @@ KEventReturn KWindowEvent::activated()
     // The desktop raised the window; the palettes go back in front of it.
     if (KWindowManager* manager = KWindowManager::current()) {
         manager->setActive(*window);
-        manager->restack();
+        manager->restackAbove(*window);
     }
     if (auto told = kServices().windowActivated)
         told(*window);

@@ -123,7 +123,7 @@ void KWindowManager::enableMenus(bool enabled)
         hook(enabled);
 }
 
-void KWindowManager::reorderWindows()
+std::vector<void*> KWindowManager::sortByTiers()
 {
     std::stable_sort(windows.begin(), windows.end(),
                      [](const KWindowPtr& a, const KWindowPtr& b) { return a->getTier() < b->getTier(); });
@@ -132,6 +132,12 @@ void KWindowManager::reorderWindows()
         if (window->getNativeWindow())
             order.push_back(window->getNativeWindow());
     }
+    return order;
+}
+
+void KWindowManager::reorderWindows()
+{
+    std::vector<void*> order = sortByTiers();
     if (order == nativeOrder)
         return;
     nativeOrder = order;
@@ -143,6 +149,22 @@ void KWindowManager::restack()
 {
     nativeOrder.clear();
     reorderWindows();
+}
+
+// Only the windows that belong above the activated one are raised again:
+// raising the activated window or those below it would, without a window
+// manager, move the keyboard focus to whatever then lies under the pointer,
+// which activates that window, and the two would chase each other.
+void KWindowManager::restackAbove(KWindow& activated)
+{
+    std::vector<void*> order = sortByTiers();
+    nativeOrder = order;
+    auto at = std::find(order.begin(), order.end(), activated.getNativeWindow());
+    if (at == order.end())
+        return;
+    std::vector<void*> above(at + 1, order.end());
+    if (!above.empty())
+        KNativeLayer::get().restackWindows(above);
 }
 
 void KWindowManager::closeAll()

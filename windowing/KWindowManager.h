@@ -40,6 +40,9 @@ public:
     // Has the native side stack the windows again, as after a window
     // appeared: the desktop puts a newly shown window in front.
     void restack();
+    // The desktop raised and activated the window: the windows that stand
+    // above it (palettes, dialogs) go back in front of it.
+    void restackAbove(KWindow& activated);
 
     // A dialog began to run modally: it counts, the windows behind it are
     // disabled, and the first one turns the menus off.
@@ -67,5 +70,8 @@ private:
     int32_t modalCount = 0;
     KWindowPtr activeWindow;
     // The order last given to the native side.
+    // The windows sorted by tiers, and their native handles in that order.
+    std::vector<void*> sortByTiers();
+
     std::vector<void*> nativeOrder;
 };

@@ -86,6 +86,16 @@ TEST_F(WindowManagerTest, PalettesFloatOverNormalWindowsAndActivationRestacks)
     manager->setActive(main);
     EXPECT_EQ(layer.restackCount(), restacks);
 
+    // Only what stands above the activated window is raised again: raising
+    // the front window itself would, without a window manager, move the
+    // focus under the pointer and activate another window in turn.
+    kksDeliverNativeRecord(record(KNativeMessage::Activate, palette.get(), 1));
+    EXPECT_EQ(layer.restackCount(), restacks) << "nothing stands above the palette";
+    kksDeliverNativeRecord(record(KNativeMessage::Activate, other.get(), 1));
+    EXPECT_EQ(layer.stackOrder().back(), palette->getNativeWindow());
+    kksDeliverNativeRecord(record(KNativeMessage::Activate, &main, 1));
+    EXPECT_EQ(layer.stackOrder(), expected);
+
     EXPECT_EQ(manager->getFrontWindow(), palette.get());
     EXPECT_EQ(manager->getFrontWindow(KWindow::NormalTier), &main);
     EXPECT_EQ(manager->getWindowBelow(main), other.get());
@@ -171,9 +181,9 @@ TEST_F(WindowManagerTest, StandardButtonsSitAtTheBottomRightAndAnswer)
     auto controls = layer.controlsOf(dialog->getNativeWindow());
     ASSERT_EQ(controls.size(), 3u);
     auto bounds = [&](int32_t which) { return layer.controlOf(buttonOf(*dialog, which))->bounds; };
-    EXPECT_EQ(bounds(KDialog::ApplyButton), (KNativeRect { 300, 170, 90, 20 }));
-    EXPECT_EQ(bounds(KDialog::CancelButton), (KNativeRect { 200, 170, 90, 20 }));
-    EXPECT_EQ(bounds(KDialog::OkButton), (KNativeRect { 100, 170, 90, 20 }));
+    EXPECT_EQ(bounds(KDialog::ApplyButton), (KNativeRect { 300, 162, 90, 30 }));
+    EXPECT_EQ(bounds(KDialog::CancelButton), (KNativeRect { 200, 162, 90, 30 }));
+    EXPECT_EQ(bounds(KDialog::OkButton), (KNativeRect { 100, 162, 90, 30 }));
     EXPECT_EQ(layer.controlOf(buttonOf(*dialog, KDialog::OkButton))->text, "OK");
     EXPECT_TRUE(layer.controlOf(buttonOf(*dialog, KDialog::OkButton))->setup.isDefault);
     EXPECT_EQ(layer.controlOf(buttonOf(*dialog, KDialog::ApplyButton))->text, "Apply");

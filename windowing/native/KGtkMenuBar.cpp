@@ -10,6 +10,7 @@
 
 #include <gtk/gtk.h>
 
+#include <deque>
 #include <map>
 #include <set>
 
@@ -19,6 +20,8 @@ struct KGtkMenuStrip {
     GtkAccelGroup* accels = nullptr;
     std::map<int32_t, GtkWidget*> items;
     std::set<guint> keys;
+    // Chosen items waiting for GTK to finish closing the menus.
+    std::deque<int32_t> chosen;
     bool shown = true;
     // Set while the program changes the items: a check item set by the
     // program activates itself, which is no choice of the user.
@@ -60,12 +63,31 @@ void deliverMenu(KGtkMenuStrip* strip, int32_t message, int32_t param1, int32_t 
 
 int32_t commandOf(GtkWidget* item) { return GPOINTER_TO_INT(g_object_get_data(G_OBJECT(item), kCommand)); }
 
+// Runs the chosen items once GTK has closed the menus and let go of its
+// grab: a command that opens a modal dialog would otherwise run its loop
+// inside the menu's activation, under menus that can no longer close. The
+// idle belongs to the window's handle, which drops it when it closes.
+gboolean deliverChosen(gpointer data)
+{
+    auto* window = static_cast<KGtkWindowHandle*>(data);
+    KGtkMenuStrip* strip = window->menuStrip;
+    while (strip && !strip->chosen.empty()) {
+        int32_t command = strip->chosen.front();
+        strip->chosen.pop_front();
+        deliverMenu(strip, KNativeMessage::Command, command);
+        strip = window->menuStrip;
+    }
+    return G_SOURCE_REMOVE;
+}
+
 void onItemActivate(GtkMenuItem* item, gpointer data)
 {
     auto* strip = static_cast<KGtkMenuStrip*>(data);
-    if (strip->updating || gtk_menu_item_get_submenu(item))
+    if (strip->updating || gtk_menu_item_get_submenu(item) || !strip->window)
         return;
-    deliverMenu(strip, KNativeMessage::Command, commandOf(GTK_WIDGET(item)));
+    if (strip->chosen.empty())
+        g_idle_add(deliverChosen, strip->window);
+    strip->chosen.push_back(commandOf(GTK_WIDGET(item)));
 }
 
 // A menu of the strip is selected just before its items drop down: they

@@ -159,6 +159,7 @@ void KFakeNativeLayer::closeWindow(void* handle)
     window->visible = false;
     window->owner = nullptr;
     menuBars.erase(handle);
+    stacking.erase(std::remove(stacking.begin(), stacking.end(), handle), stacking.end());
     for (auto& control : madeControls) {
         if (control->window == handle)
             control->alive = false;
@@ -184,10 +185,15 @@ void KFakeNativeLayer::setWindowBounds(void* handle, const KNativeRect& client)
         window->client = client;
 }
 
+// As the desktop does: each window named is raised in turn, so the last
+// ends in front and the windows not named keep their places below.
 void KFakeNativeLayer::restackWindows(const std::vector<void*>& backToFront)
 {
     ++restacks;
-    stacking = backToFront;
+    for (void* handle : backToFront) {
+        stacking.erase(std::remove(stacking.begin(), stacking.end(), handle), stacking.end());
+        stacking.push_back(handle);
+    }
 }
 
 void KFakeNativeLayer::setWindowEnabled(void* handle, bool enabled)
