@@ -15,6 +15,8 @@
 #include "kmultimedia/StylusSpriteSystem.h"
 #include "project/StylusProject.h"
 #include "tape/Tape.h"
+#include "windowing/KControl.h"
+#include "windowing/KControlsLayer.h"
 #include "windowing/KCursorManager.h"
 #include "windowing/KDialog.h"
 #include "windowing/KNativeLayer.h"
@@ -48,6 +50,22 @@ const char* kindOf(KWindow& window)
     return "window";
 }
 
+// What a script needs to work a dialog as a user would: each control's
+// kind, text and place in the window.
+void describeControls(KJsonWriter& out, KWindow& window)
+{
+    out.key("controls");
+    out.beginArray();
+    if (KControlsLayer* layer = window.getControlsLayer()) {
+        for (const KControlPtr& control : layer->getControls()) {
+            out.beginObject();
+            control->describe(out);
+            out.endObject();
+        }
+    }
+    out.endArray();
+}
+
 void describeWindows(KJsonWriter& out)
 {
     out.key("windows");
@@ -62,6 +80,8 @@ void describeWindows(KJsonWriter& out)
             out.member("kind", kindOf(*window));
             describeBounds(out, window->getClientBounds());
             out.member("visible", window->isVisible());
+            if (dynamic_cast<KDialog*>(window))
+                describeControls(out, *window);
             out.endObject();
         }
     }
