@@ -1,5 +1,6 @@
 #include "app/ActorEditor.h"
 
+#include "app/EditSequenceParametersDialog.h"
 #include "app/ProjectNameRules.h"
 #include "app/StringSelectorDialog.h"
 #include "app/StylusActions.h"
@@ -468,6 +469,16 @@ void ActorEditor::editOtherMovement()
     int32_t chosen = movement;
     if (StringSelectorDialog::choose(uiText("Select Movement To Edit"), names, chosen))
         showFrame(chosen, 0);
+}
+
+void ActorEditor::editParameters()
+{
+    ActorSequence* sequence = currentMovement();
+    if (!sequence || !EditSequenceParametersDialog::edit(*actor, *sequence))
+        return;
+    markChanged();
+    if (StylusWindow* window = mainWindow())
+        window->updateTitle();
 }
 
 void ActorEditor::newFrame()

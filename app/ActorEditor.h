@@ -53,6 +53,7 @@ public:
     void duplicateMovement();
     void removeMovement();
     void editOtherMovement();
+    void editParameters();
     void newFrame();
     void duplicateFrame();
     void removeFrame();

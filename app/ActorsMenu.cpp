@@ -80,8 +80,8 @@ int32_t ActorsMenu::getBackgroundMode() const
     return backgrounds.findItem(Stretch)->isChecked() ? 4 : 3;
 }
 
-// The movement and frame commands work on the actor being edited; flips,
-// the movement's parameters and a custom background are still to come.
+// The movement and frame commands work on the actor being edited; flips
+// and a custom background are still to come.
 void ActorsMenu::openParts(bool actor)
 {
     getMovementMenu().setEnabled(actor);
@@ -89,7 +89,7 @@ void ActorsMenu::openParts(bool actor)
     getBackgroundMenu().setEnabled(actor);
     KMenu& moves = getMovementMenu();
     moves.enableAllItems(false);
-    for (int32_t item : { NewMovement, DuplicateMovement, RemoveMovement, EditOtherMovement })
+    for (int32_t item : { NewMovement, DuplicateMovement, RemoveMovement, EditParameters, EditOtherMovement })
         moves.enableItem(item, actor);
     KMenu& frames = getFrameMenu();
     frames.enableAllItems(false);
@@ -181,6 +181,9 @@ bool ActorsMenu::runCommand(ActorEditor& editor, int32_t id)
         return true;
     case EditOtherMovement:
         editor.editOtherMovement();
+        return true;
+    case EditParameters:
+        editor.editParameters();
         return true;
     case NewFrame:
         editor.newFrame();

@@ -6,6 +6,7 @@
 #include "app/AppClasses.h"
 #include "app/EditBookmarkDialog.h"
 #include "app/EditMenu.h"
+#include "app/EditSequenceParametersDialog.h"
 #include "app/ElementDialog.h"
 #include "app/FileMenu.h"
 #include "app/FormatMenu.h"
@@ -148,6 +149,7 @@ void StylusApplication::registerClasses()
     StylusMenuBar::registerClass()->setTransient();
     ActorEditor::registerClass()->setTransient();
     StringSelectorDialog::registerClass();
+    EditSequenceParametersDialog::registerClass();
     for (KClass* menu : { FileMenu::registerClass(), EditMenu::registerClass(), ItemsMenu::registerClass(),
                           FormatMenu::registerClass(), AnimMenu::registerClass(), ActorsMenu::registerClass(),
                           ViewMenu::registerClass() })

@@ -3,6 +3,7 @@
 
 #include "app/ActorActionDialog.h"
 #include "app/ActorEditor.h"
+#include "app/EditSequenceParametersDialog.h"
 #include "app/StringSelectorDialog.h"
 #include "app/StylusActions.h"
 #include "app/StylusWindow.h"
@@ -139,6 +140,40 @@ TEST_F(ActorEditorTest, AnActorIsDrawnFrameByFrameSavedAndOpenedAgain)
         layer.answerMessageBox(KNativeAnswer::No);
         editor.doEndActorEditing();
         EXPECT_FALSE(editor.isEditing());
+        layer.answerMessageBox(KNativeAnswer::No);
+    });
+}
+
+// A movement's name, speed and way of playing; an empty name or one
+// another movement has is refused with the dialog open.
+TEST_F(ActorEditorTest, AMovementTakesItsParametersAndKeepsItsNameUnique)
+{
+    runApp({ sampleCopy() }, [&](TestApplication& app) {
+        app.turn(2);
+        ActorEditor& editor = *ActorEditor::current();
+        editor.doNewActor();
+        editor.newMovement();
+        script.then<EditSequenceParametersDialog>([&](EditSequenceParametersDialog& dialog) {
+            void* name = nativeControl(layer, dialog, Kind::Entry);
+            EXPECT_TRUE(layer.typeControlText(name, " "));
+            click(dialog, "OK");
+            EXPECT_EQ(layer.alerts().back().text, "A movement needs a name.");
+            EXPECT_TRUE(layer.typeControlText(name, "Movement1"));
+            click(dialog, "OK");
+            EXPECT_TRUE(dialog.isOpen()) << "the first movement's name";
+            EXPECT_TRUE(layer.typeControlText(name, " Run "));
+            EXPECT_TRUE(layer.changeControlValue(nativeControl(layer, dialog, Kind::SpinField), 4));
+            EXPECT_TRUE(layer.changeControlValue(nativeControl(layer, dialog, Kind::PopUpList), 1));
+            click(dialog, "OK");
+        });
+        editor.editParameters();
+        EXPECT_TRUE(script.finished());
+        ActorSequence& movement = *editor.getActor()->getSequenceAt(1);
+        EXPECT_EQ(movement.getName(), KString("Run"));
+        EXPECT_EQ(movement.getSpeed(), 4);
+        EXPECT_EQ(movement.getPlayType(), 2);
+        EXPECT_EQ(title(), "Actor: No Name - Run - Frame 1");
+        layer.answerMessageBox(KNativeAnswer::No);
         layer.answerMessageBox(KNativeAnswer::No);
     });
 }
