@@ -201,6 +201,7 @@ void StylusWindow::startEditText(StylusText& element)
     addControl(*editField);
     editField->setTextBlock(element.getTextBlock());
     editField->setBackColour(element.getBackColour());
+    editField->setTransparentBackground(element.isTransparent());
     editField->setFocus(true);
     tape->setModified();
     if (StylusApplication* application = StylusApplication::current()) {

@@ -210,6 +210,7 @@ bool KEditFieldControl::describeNative(KNativeControlSetup& setup) const
         setup.kind = KNativeControlKind::StyledText;
         setup.styledText = toNative(*block);
         setup.colour = nativeColour(backColour);
+        setup.colour.transparent = transparentBackground;
         break;
     }
     return true;
@@ -252,8 +253,22 @@ KTextBlock KEditFieldControl::getTextBlock() const
 void KEditFieldControl::setBackColour(const KColor& colour)
 {
     backColour = colour;
-    if (hasNativePart())
-        KNativeLayer::get().setControlColour(getNativeControl(), nativeColour(colour));
+    showBackground();
+}
+
+void KEditFieldControl::setTransparentBackground(bool transparent)
+{
+    transparentBackground = transparent;
+    showBackground();
+}
+
+void KEditFieldControl::showBackground()
+{
+    if (!hasNativePart())
+        return;
+    KNativeColour shown = nativeColour(backColour);
+    shown.transparent = transparentBackground;
+    KNativeLayer::get().setControlColour(getNativeControl(), shown);
 }
 
 // --- Selection ----------------------------------------------------------------------------

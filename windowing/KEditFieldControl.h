@@ -36,6 +36,10 @@ public:
     KTextBlock getTextBlock() const;
     void setBackColour(const KColor& colour);
     const KColor& getBackColour() const { return backColour; }
+    // Without a background the page shows through the field, as the text
+    // will stand on it.
+    void setTransparentBackground(bool transparent);
+    bool hasTransparentBackground() const { return transparentBackground; }
 
     // --- Selection ------------------------------------------------------------
     void selectAll();
@@ -80,6 +84,7 @@ protected:
     bool describeNative(KNativeControlSetup& setup) const override;
 
 private:
+    void showBackground();
     void change(const KNativeStyleChange& change);
     void changeHeldBlock(const KNativeStyleChange& change);
     void showMenuAt(const KNativeRecord& record);
@@ -87,6 +92,7 @@ private:
     int32_t mode = StyledText;
     KTextBlockPtr block;
     KColor backColour { KColor::White };
+    bool transparentBackground = false;
     int32_t selectionStart = 0;
     int32_t selectionLength = 0;
     KTextFormatMenuPtr formatMenu;

@@ -43,6 +43,9 @@ struct KNativeColour {
     uint16_t red = 0;
     uint16_t green = 0;
     uint16_t blue = 0;
+    // No colour at all: what lies beneath shows through (a text field over
+    // the page for a text without a background).
+    bool transparent = false;
 };
 
 // Pixels of an image (a clipboard's, a picture control's): 0x00RRGGBB,

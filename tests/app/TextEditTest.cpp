@@ -135,7 +135,11 @@ TEST_F(TextEditTest, SevenPixelsOffATextPaintsAndATextLeftEmptyLeavesTheTape)
         tape.goToPosition(1);
 
         StylusText& blank = static_cast<StylusText&>(*tape.getAt(0));
+        // A text without a background is typed over the page it stands on.
+        blank.setTransparent(true);
         window.startEditText(blank);
+        ASSERT_NE(window.getEditField(), nullptr);
+        EXPECT_TRUE(layer.controlOf(window.getEditField()->getNativeControl())->colour.transparent);
         key(KVirtualKey::Back);
         typeChars("  ");
         key(KVirtualKey::Return);

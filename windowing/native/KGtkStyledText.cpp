@@ -511,8 +511,11 @@ void kGtkSetStyledBackground(KGtkControlHandle& control, const KNativeColour& co
                                        GTK_STYLE_PROVIDER(state.background), GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
     }
     char css[160];
-    std::snprintf(css, sizeof(css), "textview, textview text { background-color: rgb(%d, %d, %d); }", colour.red >> 8,
-                  colour.green >> 8, colour.blue >> 8);
+    if (colour.transparent)
+        std::snprintf(css, sizeof(css), "textview, textview text { background-color: transparent; }");
+    else
+        std::snprintf(css, sizeof(css), "textview, textview text { background-color: rgb(%d, %d, %d); }",
+                      colour.red >> 8, colour.green >> 8, colour.blue >> 8);
     gtk_css_provider_load_from_data(state.background, css, -1, nullptr);
 }
 
