@@ -481,6 +481,35 @@ void ActorEditor::editParameters()
         window->updateTitle();
 }
 
+void ActorEditor::flip(Tape& flipped, bool horizontal) const
+{
+    KGraphicSize page = actor->getPageSize();
+    flipped.mirrorAll(horizontal, int16_t(horizontal ? page.width / 2 : page.height / 2));
+    flipped.setModified();
+}
+
+void ActorEditor::flipMovement(bool horizontal)
+{
+    ActorSequence* sequence = currentMovement();
+    if (!sequence)
+        return;
+    for (int32_t f = 0; f < sequence->getFrameCount(); ++f)
+        flip(*sequence->getFrame(f), horizontal);
+    markChanged();
+    showFrame(movement, frame);
+}
+
+void ActorEditor::flipFrame(bool horizontal)
+{
+    ActorSequence* sequence = currentMovement();
+    Tape* shown = sequence ? sequence->getFrame(frame) : nullptr;
+    if (!shown)
+        return;
+    flip(*shown, horizontal);
+    markChanged();
+    showFrame(movement, frame);
+}
+
 void ActorEditor::newFrame()
 {
     ActorSequence* sequence = currentMovement();

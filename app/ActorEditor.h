@@ -54,6 +54,10 @@ public:
     void removeMovement();
     void editOtherMovement();
     void editParameters();
+    // Mirrors every frame of the movement, or the frame shown, across the
+    // middle of the page.
+    void flipMovement(bool horizontal);
+    void flipFrame(bool horizontal);
     void newFrame();
     void duplicateFrame();
     void removeFrame();
@@ -75,6 +79,7 @@ private:
     bool askNewActorName(const KString& title, const KString& label, KString& name) const;
     bool saveTo(const KString& name);
     void clearChanges();
+    void flip(Tape& frame, bool horizontal) const;
 
     ActorPtr actor;
     TapePtr storyTape;

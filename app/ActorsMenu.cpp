@@ -80,8 +80,8 @@ int32_t ActorsMenu::getBackgroundMode() const
     return backgrounds.findItem(Stretch)->isChecked() ? 4 : 3;
 }
 
-// The movement and frame commands work on the actor being edited; flips
-// and a custom background are still to come.
+// The movement and frame commands work on the actor being edited; a custom
+// background image is still to come.
 void ActorsMenu::openParts(bool actor)
 {
     getMovementMenu().setEnabled(actor);
@@ -89,11 +89,13 @@ void ActorsMenu::openParts(bool actor)
     getBackgroundMenu().setEnabled(actor);
     KMenu& moves = getMovementMenu();
     moves.enableAllItems(false);
-    for (int32_t item : { NewMovement, DuplicateMovement, RemoveMovement, EditParameters, EditOtherMovement })
+    for (int32_t item : { NewMovement, DuplicateMovement, FlipMovementHorizontal, FlipMovementVertical, RemoveMovement,
+                          EditParameters, EditOtherMovement })
         moves.enableItem(item, actor);
     KMenu& frames = getFrameMenu();
     frames.enableAllItems(false);
-    for (int32_t item : { NewFrame, DuplicateFrame, RemoveFrame, EditOtherFrame })
+    for (int32_t item :
+         { NewFrame, DuplicateFrame, FlipFrameHorizontal, FlipFrameVertical, RemoveFrame, EditOtherFrame })
         frames.enableItem(item, actor);
     KMenu& backgrounds = getBackgroundMenu();
     backgrounds.enableAllItems(actor);
@@ -184,6 +186,14 @@ bool ActorsMenu::runCommand(ActorEditor& editor, int32_t id)
         return true;
     case EditParameters:
         editor.editParameters();
+        return true;
+    case FlipMovementHorizontal:
+    case FlipMovementVertical:
+        editor.flipMovement(id == FlipMovementHorizontal);
+        return true;
+    case FlipFrameHorizontal:
+    case FlipFrameVertical:
+        editor.flipFrame(id == FlipFrameHorizontal);
         return true;
     case NewFrame:
         editor.newFrame();

@@ -178,6 +178,30 @@ TEST_F(ActorEditorTest, AMovementTakesItsParametersAndKeepsItsNameUnique)
     });
 }
 
+TEST_F(ActorEditorTest, AFlipMirrorsTheFrameOrTheWholeMovementAcrossThePage)
+{
+    runApp({ sampleCopy() }, [&](TestApplication& app) {
+        app.turn(2);
+        ActorEditor& editor = *ActorEditor::current();
+        editor.doNewActor();
+        int16_t width = editor.getActor()->getPageSize().width;
+        auto strokeOf = [&](int32_t frame) {
+            return static_cast<Stroke*>(editor.getActor()->getSequenceAt(0)->getFrame(frame)->getAt(0));
+        };
+        paintOn(*StylusWindow::current()->getTape());
+        editor.duplicateFrame();
+        editor.flipFrame(true);
+        EXPECT_EQ(strokeOf(1)->getBounds().getRight(), width - strokeOf(0)->getBounds().x) << "mirrored";
+        EXPECT_LT(strokeOf(0)->getBounds().x, 20) << "the other frame stays";
+        editor.flipMovement(true);
+        EXPECT_GT(strokeOf(0)->getBounds().x, width / 2);
+        EXPECT_LT(strokeOf(1)->getBounds().x, width / 2);
+        EXPECT_TRUE(editor.hasChanges());
+        layer.answerMessageBox(KNativeAnswer::No);
+        layer.answerMessageBox(KNativeAnswer::No);
+    });
+}
+
 TEST_F(ActorEditorTest, AnUntitledStoryHasNowhereToKeepAnActor)
 {
     runApp({}, [&](TestApplication&) {
