@@ -11,6 +11,9 @@
 #include "app/actors/Actor.h"
 #include "app/actors/ActorLoading.h"
 #include "app/actors/ActorSequence.h"
+#include "graphics/KColor.h"
+#include "graphics/KGraphicDevice.h"
+#include "graphics/KImage.h"
 #include "kernel/KClass.h"
 #include "kernel/KDirectory.h"
 #include "kernel/KFileReference.h"
@@ -305,6 +308,79 @@ bool ActorEditor::doSaveActorAs()
     if (!askNewActorName(uiText("Save Actor As"), uiText("Actor Name"), name))
         return false;
     return saveTo(name);
+}
+
+// --- The stage's background ----------------------------------------------------------
+
+void ActorEditor::setBackground(Background chosen)
+{
+    if ((chosen == Background::Picture || chosen == Background::StretchedPicture) && !hasBackgroundPicture())
+        return;
+    background = chosen;
+    if (StylusWindow* window = mainWindow(); window && isEditing())
+        window->redrawPage(true);
+}
+
+bool ActorEditor::hasBackgroundPicture() const { return backgroundPicture && backgroundPicture->hasImage(); }
+
+bool ActorEditor::chooseBackgroundPicture()
+{
+    KString title = uiText("Select Actor Editing Background Image");
+    KDialogHandler* dialogs = KDialogHandler::current();
+    if (!dialogs)
+        return false;
+    KFileReference file;
+    if (KDirectory* folder = actorsFolder())
+        file = KFileReference(folder->getPath().getChildFile(KString("x")));
+    if (!dialogs->doOpenDialog(file, title, KFileTypeID(0)))
+        return false;
+    KImagePtr picture(new KImage());
+    if (!picture->createFromPath(file.getPath().getNativeText()) || !picture->hasImage()) {
+        alert(title, uiText("Unsupported Format!"));
+        return false;
+    }
+    backgroundPicture = picture;
+    return true;
+}
+
+// Behind the frame, inside the stage's guides.
+void ActorEditor::drawBackground(KGraphicDevice& device, const KGraphicRectangle& stage) const
+{
+    switch (background) {
+    case Background::BlackChequer:
+    case Background::WhiteChequer: {
+        bool black = background == Background::BlackChequer;
+        KColor light(black ? KColor(0x3000, 0x3000, 0x3000) : KColor(KColor::White));
+        KColor dark(black ? KColor(KColor::Black) : KColor(0xD800, 0xD800, 0xD800));
+        device.fillRectangle(stage, light);
+        for (int32_t y = 0; y < stage.height; y += kChequerSide) {
+            for (int32_t x = (y / kChequerSide) % 2 * kChequerSide; x < stage.width; x += 2 * kChequerSide) {
+                int16_t width = int16_t(std::min<int32_t>(kChequerSide, stage.width - x));
+                int16_t height = int16_t(std::min<int32_t>(kChequerSide, stage.height - y));
+                device.fillRectangle(KGraphicRectangle(int16_t(stage.x + x), int16_t(stage.y + y), width, height),
+                                     dark);
+            }
+        }
+        return;
+    }
+    case Background::Picture:
+    case Background::StretchedPicture: {
+        if (!hasBackgroundPicture())
+            return;
+        KGraphicRectangle place = stage;
+        if (background == Background::Picture) {
+            KGraphicRectangle bounds = backgroundPicture->getBounds();
+            place.width = std::min(bounds.width, stage.width);
+            place.height = std::min(bounds.height, stage.height);
+            backgroundPicture->drawRegion(device, KGraphicRectangle(0, 0, place.width, place.height), place);
+            return;
+        }
+        backgroundPicture->drawIn(device, place);
+        return;
+    }
+    default:
+        return;
+    }
 }
 
 // --- Commands of the Actors menu --------------------------------------------------------

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/AppForward.h"
+#include "graphics/KGraphicsForward.h"
 #include "kernel/KString.h"
 #include "kernel/KThing.h"
 #include "kernel/KThingPtr.h"
@@ -66,6 +67,19 @@ public:
     // the actor has.
     void showFrame(int32_t movementIndex, int32_t frameIndex);
 
+    // --- The stage's background --------------------------------------------------
+    // What lies behind a frame: nothing, a black or a white chequer, or a
+    // picture the user chose, as it is or stretched over the stage.
+    enum class Background : int32_t { None = 0, BlackChequer = 1, WhiteChequer = 2, Picture = 3, StretchedPicture = 4 };
+    static constexpr int16_t kChequerSide = 16;
+    void setBackground(Background chosen);
+    Background getBackground() const { return background; }
+    // Asks for the picture, in the project's "Actors" folder first; false
+    // when cancelled or unreadable (then told), and the background stays.
+    bool chooseBackgroundPicture();
+    bool hasBackgroundPicture() const;
+    void drawBackground(KGraphicDevice& device, const KGraphicRectangle& stage) const;
+
     // The actor names of the project's "Actors" folder, sorted.
     static std::vector<KString> actorNamesIn(const KDirectory& folder);
 
@@ -83,6 +97,8 @@ private:
 
     ActorPtr actor;
     TapePtr storyTape;
+    KImagePtr backgroundPicture;
+    Background background = Background::BlackChequer;
     int32_t movement = 0;
     int32_t frame = 0;
     bool changed = false;

@@ -80,8 +80,8 @@ int32_t ActorsMenu::getBackgroundMode() const
     return backgrounds.findItem(Stretch)->isChecked() ? 4 : 3;
 }
 
-// The movement and frame commands work on the actor being edited; a custom
-// background image is still to come.
+// The movement, frame and background commands work on the actor being
+// edited.
 void ActorsMenu::openParts(bool actor)
 {
     getMovementMenu().setEnabled(actor);
@@ -99,7 +99,6 @@ void ActorsMenu::openParts(bool actor)
         frames.enableItem(item, actor);
     KMenu& backgrounds = getBackgroundMenu();
     backgrounds.enableAllItems(actor);
-    backgrounds.enableItem(BackgroundCustom, false);
 }
 
 KEventReturn ActorsMenu::doOpen(KMenuEvent&)
@@ -130,22 +129,42 @@ KEventReturn ActorsMenu::doMenuItem(KMenuEvent& event)
     if (!mayRunMenuItem())
         return 0;
     int32_t id = event.getItemId();
-    KMenu& backgrounds = getBackgroundMenu();
-    if (id >= BackgroundNone && id <= BackgroundCustom) {
-        for (int32_t item = BackgroundNone; item <= BackgroundCustom; ++item)
-            backgrounds.checkItem(item, item == id);
-        return 1;
-    }
-    if (id == Stretch) {
-        KMenuItem* stretch = backgrounds.findItem(Stretch);
-        stretch->setChecked(!stretch->isChecked());
-        return 1;
-    }
     ActorEditor* editor = ActorEditor::current();
+    if (id >= BackgroundNone && id <= Stretch && editor) {
+        chooseBackground(*editor, id);
+        return 1;
+    }
     if (!editor)
         return 0;
     KPtr<ActorEditor> held(editor);
     return runCommand(*editor, id) ? 1 : 0;
+}
+
+// The ticks follow the editor's background: a custom picture is asked for
+// when chosen, and Stretch applies to it.
+void ActorsMenu::chooseBackground(ActorEditor& editor, int32_t id)
+{
+    using Background = ActorEditor::Background;
+    KMenu& backgrounds = getBackgroundMenu();
+    bool stretch = backgrounds.findItem(Stretch)->isChecked();
+    if (id == Stretch) {
+        stretch = !stretch;
+        backgrounds.checkItem(Stretch, stretch);
+        Background now = editor.getBackground();
+        if (now == Background::Picture || now == Background::StretchedPicture)
+            editor.setBackground(stretch ? Background::StretchedPicture : Background::Picture);
+        return;
+    }
+    if (id == BackgroundCustom && !editor.chooseBackgroundPicture())
+        return;
+    Background chosen = id == BackgroundNone    ? Background::None
+                        : id == BackgroundBlack ? Background::BlackChequer
+                        : id == BackgroundWhite ? Background::WhiteChequer
+                        : stretch               ? Background::StretchedPicture
+                                                : Background::Picture;
+    editor.setBackground(chosen);
+    for (int32_t item = BackgroundNone; item <= BackgroundCustom; ++item)
+        backgrounds.checkItem(item, item == id);
 }
 
 bool ActorsMenu::runCommand(ActorEditor& editor, int32_t id)

@@ -55,6 +55,7 @@ private:
     // The sub-menus' items come back to this menu.
     void openParts(bool actor);
     static bool runCommand(ActorEditor& editor, int32_t id);
+    void chooseBackground(ActorEditor& editor, int32_t id);
     KThingPtr movement;
     KThingPtr frame;
     KThingPtr background;

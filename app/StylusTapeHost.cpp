@@ -1,5 +1,7 @@
 #include "app/StylusTapeHost.h"
 
+#include "app/ActorEditor.h"
+
 #include "app/EditBookmarkDialog.h"
 
 #include "app/ArtResources.h"
@@ -511,3 +513,10 @@ void StylusTapeHost::stopAllMedia()
 }
 
 bool StylusTapeHost::loadBitmapResource(int16_t id, KImage& image) { return ArtResources::loadImage(id, image); }
+
+// The actor editor's choice of background, behind the frame being drawn.
+void StylusTapeHost::drawFrameBackground(KGraphicDevice& device, const KGraphicRectangle& area)
+{
+    if (ActorEditor* editor = ActorEditor::current())
+        editor->drawBackground(device, area);
+}

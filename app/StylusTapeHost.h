@@ -64,6 +64,7 @@ public:
     // --- The user ----------------------------------------------------------
 
     void beep() override;
+    void drawFrameBackground(KGraphicDevice& device, const KGraphicRectangle& area) override;
     void alert(const KString& title, const KString& text) override;
     bool chooseColour(KColor& colour) override;
     // Not built yet: a beep says so.

@@ -10,6 +10,8 @@
 #include "app/actors/Actor.h"
 #include "app/actors/ActorAction.h"
 #include "app/actors/ActorSequence.h"
+#include "graphics/KColor.h"
+#include "graphics/KImage.h"
 #include "project/StylusProject.h"
 #include "tape/Stroke.h"
 #include "tape/Tape.h"
@@ -199,6 +201,54 @@ TEST_F(ActorEditorTest, AFlipMirrorsTheFrameOrTheWholeMovementAcrossThePage)
         EXPECT_TRUE(editor.hasChanges());
         layer.answerMessageBox(KNativeAnswer::No);
         layer.answerMessageBox(KNativeAnswer::No);
+    });
+}
+
+// What lies behind the frame being drawn: a chequer of 16-pixel squares in
+// two shades, or the picture the user chose, as it is or stretched.
+TEST_F(ActorEditorTest, TheStageShowsTheChosenBackgroundBehindTheFrame)
+{
+    runApp({ sampleCopy() }, [&](TestApplication& app) {
+        app.turn(2);
+        ActorEditor& editor = *ActorEditor::current();
+        KImage stage(KGraphicSize(64, 64));
+        auto pixel = [&](int x, int y) {
+            KColor c = stage.getDevice().getPixel(int16_t(x), int16_t(y));
+            return (c.getRed() >> 8) << 16 | (c.getGreen() >> 8) << 8 | (c.getBlue() >> 8);
+        };
+        auto draw = [&](ActorEditor::Background background) {
+            editor.setBackground(background);
+            stage.getDevice().fillRectangle(KGraphicRectangle(0, 0, 64, 64), KColor(0x1200, 0x3400, 0x5600));
+            editor.drawBackground(stage.getDevice(), KGraphicRectangle(0, 0, 64, 64));
+        };
+        draw(ActorEditor::Background::BlackChequer);
+        EXPECT_EQ(pixel(1, 1), 0x000000);
+        EXPECT_EQ(pixel(17, 1), 0x303030);
+        EXPECT_EQ(pixel(17, 17), 0x000000);
+        draw(ActorEditor::Background::WhiteChequer);
+        EXPECT_EQ(pixel(1, 1), 0xD8D8D8);
+        EXPECT_EQ(pixel(1, 17), 0xFFFFFF);
+        draw(ActorEditor::Background::None);
+        EXPECT_EQ(pixel(30, 30), 0x123456) << "nothing drawn";
+
+        // No picture yet: the choice is refused and the chequer stays.
+        draw(ActorEditor::Background::Picture);
+        EXPECT_EQ(editor.getBackground(), ActorEditor::Background::None);
+        std::string art = std::string(std::getenv("TALELOOM_TEST_SOURCE_DIR")) + "/data/art/tool-play.png";
+        layer.answerChooser({ true, art });
+        ASSERT_TRUE(editor.chooseBackgroundPicture());
+        KImage picture;
+        ASSERT_TRUE(picture.createFromPath(KString(art.c_str())));
+        draw(ActorEditor::Background::StretchedPicture);
+        KImage expected(KGraphicSize(64, 64));
+        picture.drawIn(expected.getDevice(), KGraphicRectangle(0, 0, 64, 64));
+        for (auto [x, y] : { std::pair { 5, 5 }, { 32, 32 }, { 60, 40 } })
+            EXPECT_EQ(stage.getDevice().getPixel(int16_t(x), int16_t(y)),
+                      expected.getDevice().getPixel(int16_t(x), int16_t(y)));
+        layer.answerChooser({ true, "/nowhere/missing.png" });
+        EXPECT_FALSE(editor.chooseBackgroundPicture());
+        EXPECT_EQ(layer.alerts().back().text, "Unsupported Format!");
+        EXPECT_EQ(editor.getBackground(), ActorEditor::Background::StretchedPicture) << "the old picture stays";
     });
 }
 
