@@ -1,6 +1,7 @@
 #include "app/ElementDialog.h"
 
 #include "app/ActorActionDialog.h"
+#include "app/ImageDialog.h"
 #include "app/PauseDialog.h"
 #include "app/SoundDialog.h"
 #include "app/SpeechDialog.h"
@@ -11,6 +12,7 @@
 #include "app/WaitObjectDialog.h"
 #include "app/actors/ActorAction.h"
 #include "kernel/KClass.h"
+#include "tape/StylusImage.h"
 #include "tape/StylusPause.h"
 #include "tape/StylusSound.h"
 #include "tape/StylusSpeech.h"
@@ -173,6 +175,7 @@ void ElementDialog::registerDialogClasses()
     SoundDialog::registerClass();
     TextDialogStandard::registerClass();
     ActorActionDialog::registerClass();
+    ImageDialog::registerClass();
 }
 
 KPtr<ElementDialog> ElementDialog::makeFor(int32_t type)
@@ -190,6 +193,8 @@ KPtr<ElementDialog> ElementDialog::makeFor(int32_t type)
         return kAdopt(new TextDialogStandard());
     case ActorActionType:
         return kAdopt(new ActorActionDialog());
+    case ImageType:
+        return kAdopt(new ImageDialog());
     default:
         return KPtr<ElementDialog>();
     }
@@ -198,7 +203,8 @@ KPtr<ElementDialog> ElementDialog::makeFor(int32_t type)
 // A text is made in place, where the user types it; its dialog only edits.
 bool ElementDialog::createsKind(int32_t type)
 {
-    return type == PauseType || type == WaitType || type == SpeechType || type == SoundType || type == ActorActionType;
+    return type == PauseType || type == WaitType || type == SpeechType || type == SoundType || type == ImageType
+           || type == ActorActionType;
 }
 
 TapeObjectPtr ElementDialog::makeElement(int32_t type)
@@ -216,6 +222,8 @@ TapeObjectPtr ElementDialog::makeElement(int32_t type)
         return kAdopt(new StylusText());
     case ActorActionType:
         return kAdopt(new ActorAction());
+    case ImageType:
+        return kAdopt(new StylusImage());
     default:
         return TapeObjectPtr();
     }

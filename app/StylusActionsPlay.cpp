@@ -204,10 +204,10 @@ bool StylusActions::canInsertElement(int32_t kind) const
     case SpeechType:
     case PauseType:
     case SoundType:
+    case ImageType:
         return true;
     case PageTransitionType:
     case MovieType:
-    case ImageType:
         // These have no dialog to be made in yet.
         return bool(hookTable.insertWithDialog);
     case ActorActionType:

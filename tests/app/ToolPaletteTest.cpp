@@ -150,21 +150,19 @@ TEST_F(ToolPaletteTest, TheControlsFollowTheWindowModeAndThePosition)
         EXPECT_FALSE(on(palette, ToolPalette::ModifyButton));
         EXPECT_TRUE(on(palette, ToolPalette::EndButton));
         EXPECT_EQ(palette.getElementIndicator(), 0) << "an empty place shows the empty picture";
-        // An image, a transition and a movie have no dialog to be made in
-        // yet, so their buttons stay off rather than beep.
-        auto insertable = [](int32_t id) {
-            return id != ToolPalette::ImageButton && id != ToolPalette::TransitionButton
-                   && id != ToolPalette::MovieButton;
-        };
+        // A transition and a movie have no dialog to be made in yet, so
+        // their buttons stay off rather than beep.
+        auto insertable
+            = [](int32_t id) { return id != ToolPalette::TransitionButton && id != ToolPalette::MovieButton; };
         for (int32_t id = ToolPalette::TextButton; id <= ToolPalette::WaitButton; ++id)
             EXPECT_EQ(on(palette, id), insertable(id)) << id;
 
         window.setWindowMode(WindowMode::ActorEditing);
         for (int32_t id = 1; id <= 17; ++id)
             EXPECT_TRUE(on(palette, id)) << id;
-        for (int32_t id : { 27, 28, 29 })
+        for (int32_t id : { 27, 28, 29, 30 })
             EXPECT_TRUE(on(palette, id)) << id;
-        for (int32_t id : { 18, 20, 21, 22, 23, 24, 25, 26, 30, 31, 32, 33, 34 })
+        for (int32_t id : { 18, 20, 21, 22, 23, 24, 25, 26, 31, 32, 33, 34 })
             EXPECT_FALSE(on(palette, id)) << id;
 
         window.setWindowMode(WindowMode::Playing);
