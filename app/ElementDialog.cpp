@@ -1,4 +1,9 @@
 #include "app/ElementDialog.h"
+#include "app/ProjectFiles.h"
+#include "kernel/KDirectory.h"
+#include "kernel/KFileReference.h"
+#include "kernel/KPath.h"
+#include "windowing/KDialogHandler.h"
 
 #include "app/ActorActionDialog.h"
 #include "app/ImageDialog.h"
@@ -227,6 +232,23 @@ TapeObjectPtr ElementDialog::makeElement(int32_t type)
     default:
         return TapeObjectPtr();
     }
+}
+
+bool ElementDialog::askImportFile(KFileReference& chosen)
+{
+    KDialogHandler* dialogs = KDialogHandler::current();
+    if (!dialogs) {
+        beep();
+        return false;
+    }
+    chosen = KFileReference(documentsFolder().getPath().getChildFile(KString("x")));
+    return dialogs->doOpenDialog(chosen, uiText("Import"), KFileTypeID(0));
+}
+
+bool ElementDialog::importIntoTapeMedia(const KFileReference& chosen, KFileReference& imported) const
+{
+    Tape* edited = getTapeEdited();
+    return importIntoMedia(chosen, edited ? edited->getMediaDirectory() : nullptr, getTitle(), imported);
 }
 
 bool ElementDialog::edit(Tape& onTape, TapeObject& edited)

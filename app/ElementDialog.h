@@ -5,6 +5,7 @@
 #include "tape/TapeForward.h"
 #include "windowing/KDialog.h"
 
+class KFileReference;
 class KSliderNativeControl;
 
 // The dialogs that change the settings of one element of a tape, or make a
@@ -90,6 +91,13 @@ protected:
     // The element draws on the page: an edit spoils the previews from it.
     virtual bool drawsOnPage() const { return false; }
 
+    // "Import": asks for a file, starting in the documents folder; false
+    // when the user cancelled (or, after a beep, when there is no chooser).
+    static bool askImportFile(KFileReference& chosen);
+    // Copies the file into the edited tape's "Media" folder, as the
+    // projects' rule for names says; an alert under the dialog's title
+    // when it cannot.
+    bool importIntoTapeMedia(const KFileReference& chosen, KFileReference& imported) const;
     // A volume slider with its label at (x, y), filled from the volume.
     KPtr<KSliderNativeControl> addVolumeSlider(int32_t id, int32_t x, int32_t y, double volume);
     void addLabel(const KString& text, int32_t x, int32_t y, int32_t width);

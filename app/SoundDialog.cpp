@@ -101,9 +101,8 @@ bool SoundDialog::takeFile(const KFileReference& chosen)
         alert(getTitle(), uiText("Unsupported Format!"));
         return false;
     }
-    Tape* tape = getTapeEdited();
     KFileReference imported;
-    if (!importIntoMedia(chosen, tape ? tape->getMediaDirectory() : nullptr, getTitle(), imported))
+    if (!importIntoTapeMedia(chosen, imported))
         return false;
     stopPlaying();
     file = imported;
@@ -113,13 +112,8 @@ bool SoundDialog::takeFile(const KFileReference& chosen)
 
 void SoundDialog::importFile()
 {
-    KDialogHandler* dialogs = KDialogHandler::current();
-    if (!dialogs) {
-        beep();
-        return;
-    }
-    KFileReference chosen(documentsFolder().getPath().getChildFile(KString("x")));
-    if (dialogs->doOpenDialog(chosen, uiText("Import"), KFileTypeID(0)))
+    KFileReference chosen;
+    if (askImportFile(chosen))
         takeFile(chosen);
 }
 
