@@ -7,6 +7,7 @@
 
 #include "app/ActorActionDialog.h"
 #include "app/ImageDialog.h"
+#include "app/MovieDialog.h"
 #include "app/PauseDialog.h"
 #include "app/SoundDialog.h"
 #include "app/SpeechDialog.h"
@@ -18,6 +19,7 @@
 #include "app/actors/ActorAction.h"
 #include "kernel/KClass.h"
 #include "tape/StylusImage.h"
+#include "tape/StylusMovie.h"
 #include "tape/StylusPause.h"
 #include "tape/StylusSound.h"
 #include "tape/StylusSpeech.h"
@@ -181,6 +183,7 @@ void ElementDialog::registerDialogClasses()
     TextDialogStandard::registerClass();
     ActorActionDialog::registerClass();
     ImageDialog::registerClass();
+    MovieDialog::registerClass();
 }
 
 KPtr<ElementDialog> ElementDialog::makeFor(int32_t type)
@@ -200,6 +203,8 @@ KPtr<ElementDialog> ElementDialog::makeFor(int32_t type)
         return kAdopt(new ActorActionDialog());
     case ImageType:
         return kAdopt(new ImageDialog());
+    case MovieType:
+        return kAdopt(new MovieDialog());
     default:
         return KPtr<ElementDialog>();
     }
@@ -209,7 +214,7 @@ KPtr<ElementDialog> ElementDialog::makeFor(int32_t type)
 bool ElementDialog::createsKind(int32_t type)
 {
     return type == PauseType || type == WaitType || type == SpeechType || type == SoundType || type == ImageType
-           || type == ActorActionType;
+           || type == MovieType || type == ActorActionType;
 }
 
 TapeObjectPtr ElementDialog::makeElement(int32_t type)
@@ -229,6 +234,8 @@ TapeObjectPtr ElementDialog::makeElement(int32_t type)
         return kAdopt(new ActorAction());
     case ImageType:
         return kAdopt(new StylusImage());
+    case MovieType:
+        return kAdopt(new StylusMovie());
     default:
         return TapeObjectPtr();
     }

@@ -205,9 +205,9 @@ bool StylusActions::canInsertElement(int32_t kind) const
     case PauseType:
     case SoundType:
     case ImageType:
+    case MovieType:
         return true;
     case PageTransitionType:
-    case MovieType:
         // These have no dialog to be made in yet.
         return bool(hookTable.insertWithDialog);
     case ActorActionType:

@@ -150,10 +150,9 @@ TEST_F(ToolPaletteTest, TheControlsFollowTheWindowModeAndThePosition)
         EXPECT_FALSE(on(palette, ToolPalette::ModifyButton));
         EXPECT_TRUE(on(palette, ToolPalette::EndButton));
         EXPECT_EQ(palette.getElementIndicator(), 0) << "an empty place shows the empty picture";
-        // A transition and a movie have no dialog to be made in yet, so
-        // their buttons stay off rather than beep.
-        auto insertable
-            = [](int32_t id) { return id != ToolPalette::TransitionButton && id != ToolPalette::MovieButton; };
+        // A transition has no dialog to be made in yet, so its button stays
+        // off rather than beep.
+        auto insertable = [](int32_t id) { return id != ToolPalette::TransitionButton; };
         for (int32_t id = ToolPalette::TextButton; id <= ToolPalette::WaitButton; ++id)
             EXPECT_EQ(on(palette, id), insertable(id)) << id;
 
