@@ -3,6 +3,7 @@
 #include "kernel/KDirectory.h"
 #include "kernel/KFileReference.h"
 #include "kernel/KPath.h"
+#include "windowing/KCheckBoxNativeControl.h"
 #include "windowing/KDialogHandler.h"
 
 #include "app/ActorActionDialog.h"
@@ -239,6 +240,45 @@ TapeObjectPtr ElementDialog::makeElement(int32_t type)
     default:
         return TapeObjectPtr();
     }
+}
+
+KPtr<KCheckBoxNativeControl> ElementDialog::addCheckBox(int32_t id, const KString& text, int32_t y, bool checked)
+{
+    KPtr<KCheckBoxNativeControl> made
+        = kAdopt(new KCheckBoxNativeControl(id, text, KWideRectangle(16, int16_t(y), 300, 22), checked));
+    addControl(*made);
+    return made;
+}
+
+KGraphicSize ElementDialog::editedPageSize() const
+{
+    Tape* edited = getTapeEdited();
+    KGraphicSize size = edited ? edited->getPageSize() : KGraphicSize();
+    return size.isEmpty() ? TapeHost::get().newDocumentPageSize() : size;
+}
+
+KGraphicSize ElementDialog::fittedSize(const KGraphicSize& natural, const KGraphicSize& page)
+{
+    if (natural.width <= 0 || natural.height <= 0 || page.width <= 0 || page.height <= 0)
+        return natural;
+    double scale = std::min({ 1.0, double(page.width) / natural.width, double(page.height) / natural.height });
+    return KGraphicSize(int16_t(std::max(1L, std::lround(natural.width * scale))),
+                        int16_t(std::max(1L, std::lround(natural.height * scale))));
+}
+
+KGraphicRectangle ElementDialog::placeOnPage(KGraphicRectangle bounds, const KGraphicSize& natural,
+                                             const KGraphicSize& page, bool ownSize, bool centre)
+{
+    if (ownSize || bounds.isEmpty()) {
+        KGraphicSize fitted = fittedSize(natural, page);
+        if (!fitted.isEmpty()) {
+            bounds.width = fitted.width;
+            bounds.height = fitted.height;
+        }
+    }
+    if (centre)
+        bounds.centreIn(KGraphicRectangle(0, 0, page.width, page.height));
+    return bounds;
 }
 
 bool ElementDialog::askImportFile(KFileReference& chosen)

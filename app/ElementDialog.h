@@ -1,10 +1,13 @@
 #pragma once
 
+#include "graphics/KGraphicRectangle.h"
+#include "graphics/KGraphicSize.h"
 #include "kernel/KString.h"
 #include "kernel/KThingPtr.h"
 #include "tape/TapeForward.h"
 #include "windowing/KDialog.h"
 
+class KCheckBoxNativeControl;
 class KFileReference;
 class KSliderNativeControl;
 
@@ -74,6 +77,8 @@ public:
     // slider left where it was gives back the volume it was given, so that
     // a volume between two steps is not rounded by an OK.
     static int32_t sliderOfVolume(double volume);
+    // `natural` shrunk to fit `page`, keeping its shape; never grown.
+    static KGraphicSize fittedSize(const KGraphicSize& natural, const KGraphicSize& page);
     static double volumeOfSlider(int32_t position, double was);
 
 protected:
@@ -98,6 +103,14 @@ protected:
     // projects' rule for names says; an alert under the dialog's title
     // when it cannot.
     bool importIntoTapeMedia(const KFileReference& chosen, KFileReference& imported) const;
+    // A check box in the left column at row y.
+    KPtr<KCheckBoxNativeControl> addCheckBox(int32_t id, const KString& text, int32_t y, bool checked);
+    // The edited tape's page, or a new document's when it has none.
+    KGraphicSize editedPageSize() const;
+    // Where a picture or a film goes: its own size fitted to the page when
+    // asked (or when it has no place yet), in the middle when asked.
+    static KGraphicRectangle placeOnPage(KGraphicRectangle bounds, const KGraphicSize& natural,
+                                         const KGraphicSize& page, bool ownSize, bool centre);
     // A volume slider with its label at (x, y), filled from the volume.
     KPtr<KSliderNativeControl> addVolumeSlider(int32_t id, int32_t x, int32_t y, double volume);
     void addLabel(const KString& text, int32_t x, int32_t y, int32_t width);

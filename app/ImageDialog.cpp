@@ -90,15 +90,6 @@ double ImageDialog::sliderOfThreshold(int32_t threshold)
     return std::round(std::clamp(threshold, 0, 65535) / kThresholdStep);
 }
 
-KGraphicSize ImageDialog::fittedSize(const KGraphicSize& natural, const KGraphicSize& page)
-{
-    if (natural.width <= 0 || natural.height <= 0 || page.width <= 0 || page.height <= 0)
-        return natural;
-    double scale = std::min({ 1.0, double(page.width) / natural.width, double(page.height) / natural.height });
-    return KGraphicSize(int16_t(std::max(1L, std::lround(natural.width * scale))),
-                        int16_t(std::max(1L, std::lround(natural.height * scale))));
-}
-
 void ImageDialog::makeControls()
 {
     const auto& image = static_cast<const StylusImage&>(*getElement());
@@ -108,18 +99,12 @@ void ImageDialog::makeControls()
     importButton = kAdopt(new KButtonNativeControl(kImportId, uiText("Import"), KWideRectangle(16, 44, 100, 30)));
     addControl(*importButton);
     bool fresh = isNewElement();
-    auto box = [&](int32_t id, const char* text, int32_t y, bool checked) {
-        KPtr<KCheckBoxNativeControl> made
-            = kAdopt(new KCheckBoxNativeControl(id, uiText(text), KWideRectangle(16, int16_t(y), 300, 22), checked));
-        addControl(*made);
-        return made;
-    };
-    centreBox = box(kCentreId, "Center Image", 86, fresh);
-    originalSizeBox = box(kOriginalSizeId, "Set Original Size", 112, fresh);
-    flipXBox = box(kFlipXId, "Flip Horizontal", 138, image.getFlipX());
-    flipYBox = box(kFlipYId, "Flip Vertical", 164, image.getFlipY());
-    transparentBox = box(kTransparentId, "Transparent White", 190, image.getTransparentWhite());
-    blurBox = box(kBlurId, "Blur Filter", 216, image.getBlurFilter());
+    centreBox = addCheckBox(kCentreId, uiText("Center Image"), 86, fresh);
+    originalSizeBox = addCheckBox(kOriginalSizeId, uiText("Set Original Size"), 112, fresh);
+    flipXBox = addCheckBox(kFlipXId, uiText("Flip Horizontal"), 138, image.getFlipX());
+    flipYBox = addCheckBox(kFlipYId, uiText("Flip Vertical"), 164, image.getFlipY());
+    transparentBox = addCheckBox(kTransparentId, uiText("Transparent White"), 190, image.getTransparentWhite());
+    blurBox = addCheckBox(kBlurId, uiText("Blur Filter"), 216, image.getBlurFilter());
     addLabel(uiText("Threshold"), 16, 248, 100);
     thresholdSlider = kAdopt(new KSliderNativeControl(kThresholdId, KWideRectangle(120, 244, 200, 24), 0, 100,
                                                       sliderOfThreshold(image.getThreshold())));
@@ -167,13 +152,6 @@ void ImageDialog::showPreview()
         picture->drawIn(shown.getDevice(), place);
     }
     preview->setPicture(shown);
-}
-
-KGraphicSize ImageDialog::pageSize() const
-{
-    Tape* tape = getTapeEdited();
-    KGraphicSize size = tape ? tape->getPageSize() : KGraphicSize();
-    return size.isEmpty() ? TapeHost::get().newDocumentPageSize() : size;
 }
 
 KGraphicSize ImageDialog::naturalSize() const { return sizeOfPicture(tapeMediaPath(getTapeEdited(), file)); }
@@ -230,16 +208,6 @@ void ImageDialog::applyValues()
 {
     auto& image = static_cast<StylusImage&>(*getElement());
     copyValuesInto(image);
-    KGraphicRectangle bounds = image.getBounds();
-    KGraphicSize page = pageSize();
-    if (originalSizeBox->isChecked() || bounds.isEmpty()) {
-        KGraphicSize natural = fittedSize(naturalSize(), page);
-        if (!natural.isEmpty()) {
-            bounds.width = natural.width;
-            bounds.height = natural.height;
-        }
-    }
-    if (centreBox->isChecked())
-        bounds.centreIn(KGraphicRectangle(0, 0, page.width, page.height));
-    image.setBounds(bounds);
+    image.setBounds(placeOnPage(image.getBounds(), naturalSize(), editedPageSize(), originalSizeBox->isChecked(),
+                                centreBox->isChecked()));
 }

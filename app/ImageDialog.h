@@ -37,8 +37,6 @@ public:
     // The slider's 0 to 100 and the element's threshold.
     static int32_t thresholdOfSlider(double position);
     static double sliderOfThreshold(int32_t threshold);
-    // `natural` shrunk to fit `page`, keeping its shape.
-    static KGraphicSize fittedSize(const KGraphicSize& natural, const KGraphicSize& page);
 
 protected:
     const char* elementClassName() const override { return "StylusImage"; }
@@ -54,7 +52,6 @@ private:
     // The element as the controls make it, for the preview and for OK.
     void copyValuesInto(StylusImage& image) const;
     void showPreview();
-    KGraphicSize pageSize() const;
     KGraphicSize naturalSize() const;
 
     KFileReference file;

@@ -1,6 +1,5 @@
 #include "app/MovieDialog.h"
 
-#include "app/ImageDialog.h"
 #include "app/UiText.h"
 #include "graphics/KColor.h"
 #include "graphics/KImage.h"
@@ -62,15 +61,9 @@ void MovieDialog::makeControls()
     for (auto* button : { importButton.get(), playButton.get(), stopButton.get() })
         addControl(*button);
     bool fresh = isNewElement();
-    auto box = [&](int32_t id, const char* text, int32_t y, bool checked) {
-        KPtr<KCheckBoxNativeControl> made
-            = kAdopt(new KCheckBoxNativeControl(id, uiText(text), KWideRectangle(16, int16_t(y), 300, 22), checked));
-        addControl(*made);
-        return made;
-    };
-    centreBox = box(kCentreId, "Center Movie", 86, fresh);
-    originalSizeBox = box(kOriginalSizeId, "Set Original Size", 112, fresh);
-    stoppableBox = box(kStoppableId, "Can Be Stopped", 138, movie.getCanBeStopped());
+    centreBox = addCheckBox(kCentreId, uiText("Center Movie"), 86, fresh);
+    originalSizeBox = addCheckBox(kOriginalSizeId, uiText("Set Original Size"), 112, fresh);
+    stoppableBox = addCheckBox(kStoppableId, uiText("Can Be Stopped"), 138, movie.getCanBeStopped());
     volumeSlider = addVolumeSlider(kVolumeId, 16, 172, movie.getVolume());
     preview = kAdopt(new KPictureNativeControl(kPreviewId, KWideRectangle(340, 44, kPreviewWidth, kPreviewHeight)));
     addControl(*preview);
@@ -100,8 +93,8 @@ void MovieDialog::showPoster()
     KImagePtr first;
     if (!file.getPath().isEmpty() && probe->getFirstFrame(first)) {
         KGraphicRectangle bounds = first->getBounds();
-        KGraphicSize fitted = ImageDialog::fittedSize(KGraphicSize(bounds.width, bounds.height),
-                                                      KGraphicSize(kPreviewWidth, kPreviewHeight));
+        KGraphicSize fitted
+            = fittedSize(KGraphicSize(bounds.width, bounds.height), KGraphicSize(kPreviewWidth, kPreviewHeight));
         KGraphicRectangle place(0, 0, fitted.width, fitted.height);
         place.centreIn(KGraphicRectangle(0, 0, kPreviewWidth, kPreviewHeight));
         first->drawIn(screen->getDevice(), place);
@@ -204,7 +197,7 @@ void MovieDialog::applyValues()
     if (page.isEmpty())
         page = TapeHost::get().newDocumentPageSize();
     if (originalSizeBox->isChecked() || bounds.isEmpty()) {
-        KGraphicSize natural = ImageDialog::fittedSize(naturalSize(), page);
+        KGraphicSize natural = fittedSize(naturalSize(), page);
         if (!natural.isEmpty()) {
             bounds.width = natural.width;
             bounds.height = natural.height;
