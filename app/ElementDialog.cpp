@@ -17,6 +17,7 @@
 #include "app/TextDialogStandard.h"
 #include "app/UiText.h"
 #include "app/WaitObjectDialog.h"
+#include "app/WipeOutDialog.h"
 #include "app/actors/ActorAction.h"
 #include "kernel/KClass.h"
 #include "tape/StylusImage.h"
@@ -28,6 +29,7 @@
 #include "tape/Tape.h"
 #include "tape/TapeHost.h"
 #include "tape/WaitObject.h"
+#include "tape/WipeOut.h"
 #include "windowing/KAlert.h"
 #include "windowing/KSliderNativeControl.h"
 #include "windowing/KStaticTextNativeControl.h"
@@ -185,6 +187,7 @@ void ElementDialog::registerDialogClasses()
     ActorActionDialog::registerClass();
     ImageDialog::registerClass();
     MovieDialog::registerClass();
+    WipeOutDialog::registerClass();
 }
 
 KPtr<ElementDialog> ElementDialog::makeFor(int32_t type)
@@ -206,6 +209,8 @@ KPtr<ElementDialog> ElementDialog::makeFor(int32_t type)
         return kAdopt(new ImageDialog());
     case MovieType:
         return kAdopt(new MovieDialog());
+    case PageTransitionType:
+        return kAdopt(new WipeOutDialog());
     default:
         return KPtr<ElementDialog>();
     }
@@ -215,7 +220,7 @@ KPtr<ElementDialog> ElementDialog::makeFor(int32_t type)
 bool ElementDialog::createsKind(int32_t type)
 {
     return type == PauseType || type == WaitType || type == SpeechType || type == SoundType || type == ImageType
-           || type == MovieType || type == ActorActionType;
+           || type == MovieType || type == PageTransitionType || type == ActorActionType;
 }
 
 TapeObjectPtr ElementDialog::makeElement(int32_t type)
@@ -237,6 +242,8 @@ TapeObjectPtr ElementDialog::makeElement(int32_t type)
         return kAdopt(new StylusImage());
     case MovieType:
         return kAdopt(new StylusMovie());
+    case PageTransitionType:
+        return kAdopt(new WipeOut());
     default:
         return TapeObjectPtr();
     }

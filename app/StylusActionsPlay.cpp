@@ -206,10 +206,8 @@ bool StylusActions::canInsertElement(int32_t kind) const
     case SoundType:
     case ImageType:
     case MovieType:
-        return true;
     case PageTransitionType:
-        // These have no dialog to be made in yet.
-        return bool(hookTable.insertWithDialog);
+        return true;
     case ActorActionType:
         return mode == WindowMode::TapeEditing;
     default:
