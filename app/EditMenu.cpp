@@ -2,6 +2,7 @@
 
 #include "app/ItemsMenu.h"
 #include "app/StylusActions.h"
+#include "app/StylusClipboard.h"
 #include "app/StylusMenuBar.h"
 #include "app/StylusMenuRules.h"
 #include "app/StylusWindow.h"
@@ -73,8 +74,9 @@ KString EditMenu::modifyTitle(int32_t kind)
     }
 }
 
-// There is no undo or program clipboard yet: those items stay off, and
-// so do the dialogs no part of the program supplies.
+// While a text is typed, the clipboard items work on its text; otherwise
+// on the elements of the tape, with the undo of the last cut, paste or
+// clear. The dialogs no part of the program supplies stay off.
 KEventReturn EditMenu::doOpen(KMenuEvent&)
 {
     MenuState state = MenuState::now();
@@ -88,7 +90,8 @@ KEventReturn EditMenu::doOpen(KMenuEvent&)
     setItemTitle(Modify, modifyTitle(kind));
     KString bookmark = current ? current->getBookmark() : KString();
     setItemTitle(SetBookmark, bookmark.isEmpty() ? uiText("Set Bookmark") : uiText("Edit Bookmark '%1'", bookmark));
-    setItemTitle(Undo, uiText("Can't Undo"));
+    StylusClipboard* clipboard = StylusClipboard::current();
+    setItemTitle(Undo, clipboard ? clipboard->undoTitle() : uiText("Can't Undo"));
     bool text = state.textOpen;
     setItemTitle(Cut, text ? uiText("Cut Text") : uiText("Cut"));
     setItemTitle(Copy, text ? uiText("Copy Text") : uiText("Copy"));
@@ -103,8 +106,11 @@ KEventReturn EditMenu::doOpen(KMenuEvent&)
     if (state.playing)
         return 1;
     getItemsMenu().setEnabled(true);
-    for (int32_t item : { Cut, Copy, Paste, Clear })
-        enableItem(item, text);
+    bool elements = clipboard && !text && !state.window->isEditing();
+    for (int32_t item : { Cut, Copy, Clear })
+        enableItem(item, text || (elements && clipboard->canCopy()));
+    enableItem(Paste, text || (elements && clipboard->canPaste()));
+    enableItem(Undo, elements && clipboard->canUndo());
     bool idle = state.tape != nullptr;
     enableItem(Modify, idle && kind >= WaitType && kind <= ImageType && kind != RelayMacroType);
     enableItem(SetBookmark, idle && state.position() > 0 && hooks && hooks->editBookmark);
@@ -118,6 +124,25 @@ KEventReturn EditMenu::doOpen(KMenuEvent&)
             item->setEnabled(true);
     }
     return 1;
+}
+
+void EditMenu::runOnElements(StylusClipboard& clipboard, int32_t item)
+{
+    KPtr<StylusClipboard> held(&clipboard);
+    switch (item) {
+    case Cut:
+        clipboard.cut();
+        break;
+    case Copy:
+        clipboard.copy();
+        break;
+    case Paste:
+        clipboard.paste();
+        break;
+    default:
+        clipboard.clear();
+        break;
+    }
 }
 
 KEventReturn EditMenu::doMenuItem(KMenuEvent& event)
@@ -137,8 +162,14 @@ KEventReturn EditMenu::doMenuItem(KMenuEvent& event)
             = { KNativeTextEdit::Cut, KNativeTextEdit::Copy, KNativeTextEdit::Paste, KNativeTextEdit::Clear };
         if (field)
             field->editText(kEdits[event.getItemId() - Cut]);
+        else if (StylusClipboard* clipboard = StylusClipboard::current())
+            runOnElements(*clipboard, event.getItemId());
         return 1;
     }
+    case Undo:
+        if (StylusClipboard* clipboard = StylusClipboard::current(); clipboard && !field)
+            clipboard->undo();
+        return 1;
     case Modify:
         if (state.tape && !state.playing) {
             window->stopEditing();

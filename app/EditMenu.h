@@ -3,6 +3,7 @@
 #include "windowing/KMenu.h"
 
 class ItemsMenu;
+class StylusClipboard;
 
 // "Edit": undo, the clipboard (the text being typed while one is open),
 // the Toolbox, modifying the element before the position, bookmarks, the
@@ -38,5 +39,7 @@ public:
     KEventReturn doMenuItem(KMenuEvent& event) override;
 
 private:
+    static void runOnElements(StylusClipboard& clipboard, int32_t item);
+
     KThingPtr items;
 };

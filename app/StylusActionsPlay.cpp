@@ -5,6 +5,7 @@
 #include "app/ProjectFiles.h"
 #include "app/StylusActions.h"
 #include "app/StylusApplication.h"
+#include "app/StylusClipboard.h"
 #include "app/StylusMenuBar.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
@@ -142,7 +143,13 @@ void StylusActions::deleteLast()
         return;
     finishPastePlacement(false);
     stopEditing();
-    shownTape()->removeCurrentElement();
+    // Through the clipboard's clear, so that Control+Z brings it back; the
+    // tape's own removal answers an empty place with a beep.
+    StylusClipboard* clipboard = StylusClipboard::current();
+    if (clipboard && shownTape()->getPosition() > 0)
+        clipboard->clear();
+    else
+        shownTape()->removeCurrentElement();
     if (StylusWindow* shown = window())
         shown->redrawPage(true);
     tellChanged();

@@ -28,6 +28,7 @@
 #include "app/StateFile.h"
 #include "app/StringSelectorDialog.h"
 #include "app/StylusActions.h"
+#include "app/StylusClipboard.h"
 #include "app/StylusColorButtonControl.h"
 #include "app/StylusMenuBar.h"
 #include "app/StylusTapeHost.h"
@@ -148,6 +149,7 @@ void StylusApplication::registerClasses()
     KLevelMeterControl::registerClass();
     StylusMenuBar::registerClass()->setTransient();
     ActorEditor::registerClass()->setTransient();
+    StylusClipboard::registerClass()->setTransient();
     StringSelectorDialog::registerClass();
     EditSequenceParametersDialog::registerClass();
     for (KClass* menu : { FileMenu::registerClass(), EditMenu::registerClass(), ItemsMenu::registerClass(),
@@ -175,6 +177,7 @@ void StylusApplication::doInit()
     textDefaults = TextDefaults();
     actions = kAdopt(new StylusActions());
     actorEditor = kAdopt(new ActorEditor());
+    clipboard = kAdopt(new StylusClipboard());
     toolPalette = kAdopt(new ToolPalette());
     navigationPalette = kAdopt(new NavigationPalette());
     actions->hooks().loadColors = [](const KFileReference& file) {

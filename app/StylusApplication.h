@@ -18,6 +18,7 @@ class ToolPalette;
 class NavigationPalette;
 class StylusActions;
 class ActorEditor;
+class StylusClipboard;
 class StylusWindow;
 class RecoveryCopy;
 class StateFile;
@@ -135,6 +136,7 @@ private:
     KPtr<NavigationPalette> navigationPalette;
     KPtr<StylusActions> actions;
     KPtr<ActorEditor> actorEditor;
+    KPtr<StylusClipboard> clipboard;
     KPtr<StylusMenuBar> menuBar;
     KMediaManagerPtr mediaManager;
     KTextFormatMenuPtr formatMenu;

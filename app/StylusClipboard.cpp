@@ -1,0 +1,221 @@
+#include "app/StylusClipboard.h"
+
+#include "app/StylusMenuBar.h"
+#include "app/StylusWindow.h"
+#include "app/UiText.h"
+#include "kernel/KClass.h"
+#include "tape/Tape.h"
+#include "tape/TapeHost.h"
+#include "tape/TapeObject.h"
+
+#include <algorithm>
+
+namespace {
+
+StylusClipboard* gClipboard = nullptr;
+
+} // namespace
+
+K_DEFINE_CLASS(StylusClipboard, KThing)
+
+StylusClipboard::StylusClipboard()
+    : clip(kAdopt(new Tape()))
+    , undoTape(kAdopt(new Tape()))
+{
+    gClipboard = this;
+}
+
+StylusClipboard::~StylusClipboard()
+{
+    if (gClipboard == this)
+        gClipboard = nullptr;
+}
+
+StylusClipboard* StylusClipboard::current() { return gClipboard; }
+
+Tape* StylusClipboard::shownTape() const
+{
+    StylusWindow* window = StylusWindow::current();
+    Tape* tape = window ? window->getTape() : nullptr;
+    return tape && !tape->isPlaying() ? tape : nullptr;
+}
+
+TapeObjectPtr StylusClipboard::copyOf(TapeObject& element)
+{
+    return TapeObjectPtr(static_cast<TapeObject*>(element.deepCopy()));
+}
+
+// Copies of the source's elements from `first` to `last` replace what the
+// target held.
+void StylusClipboard::fill(Tape& target, Tape& source, int32_t first, int32_t last, bool onlyStrokes)
+{
+    target.removeRange(0, target.getCount() - 1);
+    target.setPositionQuietly(0);
+    for (int32_t index = std::max(first, 0); index <= last && index < source.getCount(); ++index) {
+        TapeObject* element = source.getAt(index);
+        if (!element || (onlyStrokes && element->getType() != StrokeType))
+            continue;
+        if (TapeObjectPtr copied = copyOf(*element))
+            target.add(*copied);
+    }
+}
+
+bool StylusClipboard::canCopy() const
+{
+    Tape* tape = shownTape();
+    StylusWindow* window = StylusWindow::current();
+    return tape && tape->getPosition() > 0 && !(window && window->isEditing());
+}
+
+bool StylusClipboard::canPaste() const { return shownTape() && clip->getCount() > 0; }
+
+bool StylusClipboard::canUndo() const
+{
+    Tape* tape = shownTape();
+    return tape && tape == undoOwner && undoKind != NoUndo;
+}
+
+KString StylusClipboard::undoTitle() const
+{
+    if (!canUndo())
+        return uiText("Can't Undo");
+    switch (lastOperation) {
+    case CutOperation:
+        return undone ? uiText("Redo Cut") : uiText("Undo Cut");
+    case PasteOperation:
+        return undone ? uiText("Redo Paste") : uiText("Undo Paste");
+    default:
+        return undone ? uiText("Redo Clear") : uiText("Undo Clear");
+    }
+}
+
+void StylusClipboard::copy()
+{
+    if (Tape* tape = shownTape(); tape && tape->getPosition() > 0)
+        fill(*clip, *tape, tape->getPosition() - 1, tape->getPosition() - 1, false);
+}
+
+void StylusClipboard::copyRange(int32_t first, int32_t last, bool onlyStrokes)
+{
+    if (Tape* tape = shownTape(); tape && tape->getCount() > 0)
+        fill(*clip, *tape, std::min(first, last), std::max(first, last), onlyStrokes);
+}
+
+void StylusClipboard::remember(Tape& tape, int32_t at, UndoKind kind)
+{
+    undoOwner = &tape;
+    undoIndex = at;
+    undoKind = kind;
+    undone = false;
+    lastOperation = kind == UndoCut ? CutOperation : kind == UndoPaste ? PasteOperation : ClearOperation;
+}
+
+// Cut and clear: the elements go, and copies of them are kept for the
+// undo; a cut also puts them in the clip.
+void StylusClipboard::takeOut(Tape& tape, int32_t first, int32_t last, bool keepInClip, UndoKind kind)
+{
+    first = std::max(first, 0);
+    last = std::min(last, tape.getCount() - 1);
+    // The elements before the tape's lock stay where they are.
+    if (tape.getLockPosition() >= 0)
+        first = std::max(first, tape.getLockPosition());
+    if (first > last) {
+        TapeHost::get().beep();
+        return;
+    }
+    if (StylusWindow* window = StylusWindow::current())
+        window->stopEditing();
+    fill(*undoTape, tape, first, last, false);
+    if (keepInClip)
+        fill(*clip, tape, first, last, false);
+    tape.removeRange(first, last);
+    undoCount = undoTape->getCount();
+    remember(tape, first, kind);
+    redrawFrom(tape);
+}
+
+void StylusClipboard::cut()
+{
+    if (Tape* tape = shownTape(); tape && tape->getPosition() > 0)
+        takeOut(*tape, tape->getPosition() - 1, tape->getPosition() - 1, true, UndoCut);
+}
+
+void StylusClipboard::cutRange(int32_t first, int32_t last)
+{
+    if (Tape* tape = shownTape())
+        takeOut(*tape, std::min(first, last), std::max(first, last), true, UndoCut);
+}
+
+void StylusClipboard::clear()
+{
+    if (Tape* tape = shownTape(); tape && tape->getPosition() > 0)
+        takeOut(*tape, tape->getPosition() - 1, tape->getPosition() - 1, false, UndoClear);
+}
+
+void StylusClipboard::clearRange(int32_t first, int32_t last)
+{
+    if (Tape* tape = shownTape())
+        takeOut(*tape, std::min(first, last), std::max(first, last), false, UndoClear);
+}
+
+// Fresh copies of `from` go in at index `at`; the position follows them.
+void StylusClipboard::putBack(Tape& tape, Tape& from, int32_t at)
+{
+    tape.setPositionQuietly(std::clamp(at, 0, tape.getCount()));
+    for (int32_t i = 0; i < from.getCount(); ++i) {
+        if (TapeObjectPtr copied = copyOf(*from.getAt(i)))
+            tape.addElement(*copied);
+    }
+}
+
+void StylusClipboard::paste()
+{
+    Tape* tape = shownTape();
+    if (!tape || clip->getCount() == 0)
+        return;
+    if (StylusWindow* window = StylusWindow::current())
+        window->stopEditing();
+    bool frame = tape->getFrameKind() == Tape::ActorFrame;
+    fill(*undoTape, *clip, 0, clip->getCount() - 1, frame);
+    if (frame && undoTape->getCount() < clip->getCount())
+        TapeHost::get().alert(uiText("TaleLoom"), uiText("Only for stories, not for Actors!"));
+    int32_t at = tape->getPosition();
+    putBack(*tape, *undoTape, at);
+    undoCount = undoTape->getCount();
+    remember(*tape, at, UndoPaste);
+    redrawFrom(*tape);
+}
+
+// A removal (cut, clear) is undone by putting copies back where they
+// were, a paste by taking its elements out again; the next undo does the
+// other, so the last step can be gone over as often as the user likes.
+void StylusClipboard::undo()
+{
+    Tape* tape = shownTape();
+    if (!tape || !canUndo())
+        return;
+    if (StylusWindow* window = StylusWindow::current())
+        window->stopEditing();
+    bool removal = lastOperation != PasteOperation;
+    if (removal != undone) {
+        putBack(*tape, *undoTape, undoIndex);
+    } else {
+        int32_t position = tape->getPosition();
+        tape->removeRange(undoIndex, undoIndex + undoCount - 1);
+        tape->setPositionQuietly(std::max(undoIndex, position - undoCount));
+    }
+    undone = !undone;
+    if (undone)
+        undoKind = removal ? RedoRemoval : RedoPaste;
+    else
+        undoKind = lastOperation == CutOperation ? UndoCut : lastOperation == PasteOperation ? UndoPaste : UndoClear;
+    redrawFrom(*tape);
+}
+
+void StylusClipboard::redrawFrom(Tape& tape)
+{
+    if (StylusWindow* window = StylusWindow::current(); window && window->getTape() == &tape)
+        window->redrawPage(true);
+    if (StylusMenuBar* bar = StylusMenuBar::current())
+        bar->update();
+}

@@ -1,0 +1,147 @@
+// The clipboard of tape elements: what cut, copy, paste and clear leave on
+// the tape and in the clip, and the undo that takes the last of them back
+// and makes it again, down to the bytes of the elements.
+
+#include "AppTestSupport.h"
+
+#include "app/EditMenu.h"
+#include "app/StylusClipboard.h"
+#include "app/StylusMenuBar.h"
+#include "app/StylusWindow.h"
+#include "project/StylusProject.h"
+#include "tape/Stroke.h"
+#include "tape/StylusPause.h"
+#include "tape/Tape.h"
+#include "tests/graphics/StreamTestSupport.h"
+
+#include <gtest/gtest.h>
+
+using namespace apptest;
+
+namespace {
+
+class StylusClipboardTest : public AppTest {
+protected:
+    // Three strokes and a pause, the position at the end.
+    static Tape& fill(TestApplication& app)
+    {
+        Tape& tape = *app.getProject()->getTape();
+        for (int16_t i = 0; i < 3; ++i) {
+            StrokePtr stroke(new Stroke());
+            stroke->addPoint(int16_t(10 + 20 * i), 10);
+            stroke->addPoint(int16_t(20 + 20 * i), 40);
+            tape.addElement(*stroke);
+        }
+        StylusPausePtr pause(new StylusPause());
+        pause->setDuration(700);
+        tape.addElement(*pause);
+        return tape;
+    }
+    // The bytes of the whole tape's elements, in order.
+    static std::vector<uint8_t> bytesOf(Tape& tape)
+    {
+        std::vector<uint8_t> bytes;
+        for (int32_t i = 0; i < tape.getCount(); ++i)
+            streams::append(bytes, streams::of(*tape.getAt(i)));
+        return bytes;
+    }
+};
+
+TEST_F(StylusClipboardTest, CutPasteAndClearAreUndoneAndRedoneToTheByte)
+{
+    runApp({}, [&](TestApplication& app) {
+        StylusClipboard& clipboard = *StylusClipboard::current();
+        Tape& tape = *app.getProject()->getTape();
+        clipboard.copy();
+        EXPECT_EQ(clipboard.getClipTape().getCount(), 0) << "nothing to copy on an empty tape";
+        fill(app);
+        std::vector<uint8_t> whole = bytesOf(tape);
+        EXPECT_EQ(clipboard.undoTitle(), KString("Can't Undo"));
+
+        // Cut the pause: it leaves the tape for the clip; undo puts it back.
+        clipboard.cut();
+        ASSERT_EQ(tape.getCount(), 3);
+        EXPECT_EQ(tape.getPosition(), 3);
+        ASSERT_EQ(clipboard.getClipTape().getCount(), 1);
+        EXPECT_EQ(clipboard.getClipTape().getAt(0)->getType(), PauseType);
+        EXPECT_EQ(clipboard.undoTitle(), KString("Undo Cut"));
+        clipboard.undo();
+        EXPECT_EQ(bytesOf(tape), whole);
+        EXPECT_EQ(tape.getPosition(), 4);
+        EXPECT_EQ(clipboard.undoTitle(), KString("Redo Cut"));
+        clipboard.undo();
+        EXPECT_EQ(tape.getCount(), 3);
+        clipboard.undo();
+        EXPECT_EQ(bytesOf(tape), whole);
+
+        // Paste at the start: one step, and its undo takes exactly it out.
+        tape.setPositionQuietly(0);
+        clipboard.paste();
+        ASSERT_EQ(tape.getCount(), 5);
+        EXPECT_EQ(tape.getAt(0)->getType(), PauseType);
+        EXPECT_EQ(tape.getPosition(), 1);
+        EXPECT_EQ(clipboard.undoTitle(), KString("Undo Paste"));
+        clipboard.undo();
+        EXPECT_EQ(bytesOf(tape), whole);
+        EXPECT_EQ(tape.getPosition(), 0);
+        clipboard.undo();
+        EXPECT_EQ(tape.getCount(), 5);
+
+        // Clear leaves the clip alone; a range is taken in order.
+        clipboard.undo();
+        tape.setPositionQuietly(2);
+        clipboard.clear();
+        EXPECT_EQ(tape.getCount(), 3);
+        EXPECT_EQ(clipboard.getClipTape().getAt(0)->getType(), PauseType);
+        clipboard.undo();
+        EXPECT_EQ(bytesOf(tape), whole);
+        clipboard.copyRange(2, 0, false);
+        EXPECT_EQ(clipboard.getClipTape().getCount(), 3);
+        clipboard.cutRange(3, 1);
+        EXPECT_EQ(tape.getCount(), 1);
+        clipboard.undo();
+        EXPECT_EQ(bytesOf(tape), whole);
+
+        // A locked beginning stays.
+        tape.setLockPosition(4);
+        tape.setPositionQuietly(4);
+        clipboard.clear();
+        EXPECT_EQ(bytesOf(tape), whole);
+        tape.setLockPosition(-1);
+
+        // The clip is copies: changing the tape leaves it as it was.
+        std::vector<uint8_t> clipped = bytesOf(clipboard.getClipTape());
+        static_cast<Stroke*>(tape.getAt(1))->addPoint(200, 200);
+        EXPECT_EQ(bytesOf(clipboard.getClipTape()), clipped);
+    });
+}
+
+TEST_F(StylusClipboardTest, TheEditMenuOffersTheElementsCommandsAndTheUndoStaysWithItsTape)
+{
+    runApp({}, [&](TestApplication& app) {
+        StylusClipboard& clipboard = *StylusClipboard::current();
+        Tape& tape = fill(app);
+        StylusMenuBar& bar = *StylusMenuBar::current();
+        EditMenu& edit = bar.getEditMenu();
+        bar.update();
+        EXPECT_TRUE(edit.findItem(EditMenu::Cut)->isEnabled());
+        EXPECT_FALSE(edit.findItem(EditMenu::Paste)->isEnabled()) << "nothing copied yet";
+        EXPECT_FALSE(edit.findItem(EditMenu::Undo)->isEnabled());
+        clipboard.cut();
+        bar.update();
+        EXPECT_TRUE(edit.findItem(EditMenu::Paste)->isEnabled());
+        EXPECT_TRUE(edit.findItem(EditMenu::Undo)->isEnabled());
+        EXPECT_EQ(edit.findItem(EditMenu::Undo)->getTitle(), KString("Undo Cut"));
+
+        // Another tape shown: the undo is not its own.
+        TapePtr other(new Tape());
+        StylusWindow::current()->showTape(*other, nullptr);
+        EXPECT_FALSE(clipboard.canUndo());
+        EXPECT_EQ(clipboard.undoTitle(), KString("Can't Undo"));
+        StylusWindow::current()->showTape(tape, nullptr);
+        EXPECT_TRUE(clipboard.canUndo());
+        layer.answerMessageBox(KNativeAnswer::No);
+    });
+}
+
+} // namespace
