@@ -3,12 +3,19 @@
 #include "app/StylusMenuBar.h"
 #include "app/StylusWindow.h"
 #include "app/UiText.h"
+#include "graphics/KColor.h"
+#include "graphics/KImage.h"
 #include "kernel/KClass.h"
+#include "kernel/KFile.h"
+#include "kernel/KMemory.h"
+#include "project/StylusProject.h"
 #include "tape/Tape.h"
 #include "tape/TapeHost.h"
 #include "tape/TapeObject.h"
+#include "windowing/KClipboardManager.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -91,14 +98,70 @@ KString StylusClipboard::undoTitle() const
 
 void StylusClipboard::copy()
 {
-    if (Tape* tape = shownTape(); tape && tape->getPosition() > 0)
+    if (Tape* tape = shownTape(); tape && tape->getPosition() > 0) {
         fill(*clip, *tape, tape->getPosition() - 1, tape->getPosition() - 1, false);
+        publish();
+    }
 }
 
 void StylusClipboard::copyRange(int32_t first, int32_t last, bool onlyStrokes)
 {
-    if (Tape* tape = shownTape(); tape && tape->getCount() > 0)
+    if (Tape* tape = shownTape(); tape && tape->getCount() > 0) {
         fill(*clip, *tape, std::min(first, last), std::max(first, last), onlyStrokes);
+        publish();
+    }
+}
+
+// The clip drawn on a white page of the shown tape's size, and the clip
+// as a project stream.
+void StylusClipboard::publish()
+{
+    KClipboardManager* system = KClipboardManager::current();
+    if (!system || clip->getCount() == 0)
+        return;
+    Tape* tape = shownTape();
+    KGraphicSize size = tape ? tape->getPageSize() : KGraphicSize();
+    if (size.isEmpty())
+        size = TapeHost::get().newDocumentPageSize();
+    KImage picture(size);
+    KGraphicRectangle page(0, 0, size.width, size.height);
+    picture.getDevice().fillRectangle(page, KColor(KColor::White));
+    for (int32_t i = 0; i < clip->getCount(); ++i) {
+        if (TapeObject* element = clip->getAt(i))
+            element->drawOn(picture.getDevice(), page, page);
+    }
+    StylusProjectPtr holder(new StylusProject());
+    holder->setTape(*static_cast<Tape*>(clip->deepCopy()));
+    KFile stream;
+    stream.setMode(KFileModeMemory);
+    if (!holder->saveTo(stream))
+        return;
+    const auto* bytes = static_cast<const uint8_t*>(stream.getMemoryData());
+    published.assign(bytes, bytes + stream.getMemorySize());
+    system->setImageAndData(picture, kSystemFormat, published);
+}
+
+bool StylusClipboard::takeFromSystem()
+{
+    KClipboardManager* system = KClipboardManager::current();
+    std::vector<uint8_t> bytes;
+    if (!system || !system->getData(kSystemFormat, bytes) || bytes.empty() || bytes.size() > kLargestClip
+        || bytes == published)
+        return false;
+    // The file owns the block it reads from.
+    KFile stream;
+    stream.setMode(KFileModeReadBuffered);
+    void* block = KMemory::allocate(bytes.size(), false);
+    if (!block)
+        return false;
+    std::memcpy(block, bytes.data(), bytes.size());
+    stream.openFromRAM(block, int32_t(bytes.size()));
+    StylusProjectPtr holder(new StylusProject());
+    if (!holder->takeClip(stream) || !holder->getTape() || holder->getTape()->getCount() == 0)
+        return false;
+    fill(*clip, *holder->getTape(), 0, holder->getTape()->getCount() - 1, false);
+    published = bytes;
+    return true;
 }
 
 void StylusClipboard::remember(Tape& tape, int32_t at, UndoKind kind)
@@ -128,6 +191,8 @@ void StylusClipboard::takeOut(Tape& tape, int32_t first, int32_t last, bool keep
     fill(*undoTape, tape, first, last, false);
     if (keepInClip)
         fill(*clip, tape, first, last, false);
+    if (keepInClip)
+        publish();
     tape.removeRange(first, last);
     undoCount = undoTape->getCount();
     remember(tape, first, kind);
@@ -171,7 +236,11 @@ void StylusClipboard::putBack(Tape& tape, Tape& from, int32_t at)
 void StylusClipboard::paste()
 {
     Tape* tape = shownTape();
-    if (!tape || clip->getCount() == 0)
+    if (!tape)
+        return;
+    // Elements another TaleLoom copied since come first.
+    takeFromSystem();
+    if (clip->getCount() == 0)
         return;
     if (StylusWindow* window = StylusWindow::current())
         window->stopEditing();

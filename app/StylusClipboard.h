@@ -5,6 +5,9 @@
 #include "kernel/KThingPtr.h"
 #include "tape/TapeForward.h"
 
+#include <cstdint>
+#include <vector>
+
 // The program's own clipboard of tape elements, and the undo of its last
 // cut, paste or clear. It works on the tape the main window shows (a story
 // or an actor's frame). What is copied is a private tape of copies, so the
@@ -46,6 +49,18 @@ public:
     KString undoTitle() const;
     Tape& getClipTape() const { return *clip; }
 
+    // The private format on the system clipboard: the clip as a project
+    // stream, beside a picture of it for other programs.
+    static constexpr const char* kSystemFormat = "application/x-taleloom-elements";
+    // Larger data on the system clipboard is no clip of ours.
+    static constexpr size_t kLargestClip = size_t(64) << 20;
+    // Puts the clip on the system clipboard.
+    void publish();
+    // Takes elements another TaleLoom put on the system clipboard into the
+    // clip; false when there are none, they are the clip's own, or the
+    // data is damaged or newer (the clip then stays as it was).
+    bool takeFromSystem();
+
 private:
     Tape* shownTape() const;
     static TapeObjectPtr copyOf(TapeObject& element);
@@ -55,6 +70,7 @@ private:
     void redrawFrom(Tape& tape);
     void remember(Tape& tape, int32_t at, UndoKind kind);
 
+    std::vector<uint8_t> published;
     TapePtr clip;
     TapePtr undoTape;
     // The tape the undo belongs to; compared, never used.

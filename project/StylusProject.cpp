@@ -330,6 +330,19 @@ bool StylusProject::loadFrom(KFile& source)
     return true;
 }
 
+bool StylusProject::takeClip(KFile& source)
+{
+    KDocument document;
+    prepareDocument(document);
+    if (!document.loadFrom(source) || !tapeOf(document) || document.isDataIgnored()
+        || document.getVersion() > kDocumentVersion) {
+        document.clear();
+        return false;
+    }
+    takeDocument(document);
+    return true;
+}
+
 bool StylusProject::readDocument(const KFileReference& reference, KDocument& document)
 {
     if (tryToRead(reference, document))

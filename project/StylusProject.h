@@ -93,6 +93,10 @@ public:
     // The document part of load() on a file the caller opened (a memory
     // image): one try, no folders and no file name, the same messages.
     bool loadFrom(KFile& source);
+    // The same for elements another TaleLoom put on the system clipboard:
+    // without a word, since nobody asked for that file; false when it is
+    // damaged, newer than this program or holds data it would drop.
+    bool takeClip(KFile& source);
 
     // The wait between the two tries of a load, in milliseconds.
     static void setRetryDelay(int32_t milliseconds);

@@ -49,14 +49,13 @@ bool KClipboardManager::getText(KString& text) const
     return true;
 }
 
-bool KClipboardManager::setImage(KImage& image)
+bool KClipboardManager::imageContent(KImage& image, KNativeClipboardContent& content)
 {
     if (!image.hasImage())
         return false;
     KPixelBuffer pixels;
     if (!image.getDevice().beginPixelAccess(pixels))
         return false;
-    KNativeClipboardContent content;
     content.hasImage = true;
     content.image.width = pixels.width;
     content.image.height = pixels.height;
@@ -67,6 +66,20 @@ bool KClipboardManager::setImage(KImage& image)
                        [](uint32_t p) { return p & KPixelBuffer::kColourBits; });
     }
     image.getDevice().endPixelAccess(KWideRectangle());
+    return true;
+}
+
+bool KClipboardManager::setImage(KImage& image)
+{
+    KNativeClipboardContent content;
+    return imageContent(image, content) && setContent(content);
+}
+
+bool KClipboardManager::setImageAndData(KImage& image, const char* format, const std::vector<uint8_t>& data)
+{
+    KNativeClipboardContent content;
+    imageContent(image, content);
+    content.formats.emplace_back(format, data);
     return setContent(content);
 }
 

@@ -24,6 +24,9 @@ public:
     bool hasText() const;
     bool getText(KString& text) const;
     bool setImage(KImage& image);
+    // The image for other programs and the program's own data under its
+    // format, together: either may be taken.
+    bool setImageAndData(KImage& image, const char* format, const std::vector<uint8_t>& data);
     bool hasImage() const;
     // The image takes the clipboard's size and pixels.
     bool getImage(KImage& image) const;
@@ -47,5 +50,7 @@ public:
     void exportClipboard();
 
 private:
+    static bool imageContent(KImage& image, KNativeClipboardContent& content);
+
     std::vector<std::string> formats;
 };

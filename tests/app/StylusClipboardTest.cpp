@@ -8,6 +8,7 @@
 #include "app/StylusClipboard.h"
 #include "app/StylusMenuBar.h"
 #include "app/StylusWindow.h"
+#include "kernel/KFile.h"
 #include "project/StylusProject.h"
 #include "tape/Stroke.h"
 #include "tape/StylusPause.h"
@@ -140,6 +141,55 @@ TEST_F(StylusClipboardTest, TheEditMenuOffersTheElementsCommandsAndTheUndoStaysW
         EXPECT_EQ(clipboard.undoTitle(), KString("Can't Undo"));
         StylusWindow::current()->showTape(tape, nullptr);
         EXPECT_TRUE(clipboard.canUndo());
+        layer.answerMessageBox(KNativeAnswer::No);
+    });
+}
+
+// A copy goes on the system clipboard as a picture for other programs and
+// as the program's own stream, which another TaleLoom pastes; damaged or
+// foreign data there leaves the clip as it was.
+TEST_F(StylusClipboardTest, ElementsTravelBetweenTwoTaleLoomsThroughTheSystemClipboard)
+{
+    runApp({}, [&](TestApplication& app) {
+        StylusClipboard& clipboard = *StylusClipboard::current();
+        Tape& tape = fill(app);
+        clipboard.copy();
+        const KNativeClipboardContent& published = layer.clipboard();
+        EXPECT_TRUE(published.hasImage);
+        EXPECT_EQ(published.image.width, tape.getPageSize().width);
+        ASSERT_EQ(published.formats.size(), 1u);
+        EXPECT_EQ(published.formats[0].first, StylusClipboard::kSystemFormat);
+        EXPECT_FALSE(clipboard.takeFromSystem()) << "its own clip";
+
+        // What another TaleLoom copied: two strokes.
+        StylusProjectPtr other(new StylusProject());
+        TapePtr theirs(new Tape());
+        for (int16_t i = 0; i < 2; ++i) {
+            StrokePtr stroke(new Stroke());
+            stroke->addPoint(int16_t(100 + i), 100);
+            theirs->add(*stroke);
+        }
+        other->setTape(*theirs);
+        KFile stream;
+        stream.setMode(KFileModeMemory);
+        ASSERT_TRUE(other->saveTo(stream));
+        const auto* data = static_cast<const uint8_t*>(stream.getMemoryData());
+        KNativeClipboardContent outside;
+        outside.formats.emplace_back(StylusClipboard::kSystemFormat,
+                                     std::vector<uint8_t>(data, data + stream.getMemorySize()));
+        layer.setClipboardFromOutside(outside);
+        tape.setPositionQuietly(0);
+        clipboard.paste();
+        ASSERT_EQ(tape.getCount(), 6);
+        EXPECT_EQ(tape.getAt(0)->getType(), StrokeType);
+        EXPECT_EQ(tape.getAt(1)->getType(), StrokeType);
+        EXPECT_EQ(tape.getAt(5)->getType(), PauseType) << "the copied pause is still last";
+
+        // Damaged data is passed over.
+        outside.formats[0].second.resize(20);
+        layer.setClipboardFromOutside(outside);
+        EXPECT_FALSE(clipboard.takeFromSystem());
+        EXPECT_EQ(clipboard.getClipTape().getCount(), 2);
         layer.answerMessageBox(KNativeAnswer::No);
     });
 }
