@@ -1,4 +1,5 @@
 #include "app/NavigationControl.h"
+#include "app/StylusPreviews.h"
 
 #include "app/ArtResources.h"
 #include "app/StylusWindow.h"
@@ -222,10 +223,30 @@ KString NavigationControl::counterText(const Tape* tape, int32_t p)
     return text;
 }
 
+// The preview's thumbnail of the position, once it is built.
+bool NavigationControl::showThumbnail(const Tape* shown)
+{
+    StylusPreviews* previews = StylusPreviews::current();
+    if (!shown || !previews || previews->getPreview().getTape() != shown)
+        return false;
+    KImage* built = previews->getThumbnail(shownPosition);
+    if (!built)
+        return false;
+    KAlphaImagePtr copy(new KAlphaImage(KGraphicSize(kPictureWidth, kPictureHeight)));
+    KGraphicRectangle whole(0, 0, kPictureWidth, kPictureHeight);
+    built->getDevice().copyTo(copy->getDevice(), whole, whole);
+    picture->setPicture(copy.get());
+    pictureIsPage = true;
+    pictureType = -1;
+    return true;
+}
+
 // The page is only scaled, never built: at another position the kind of
 // the element stands for it.
 void NavigationControl::updatePicture(const Tape* shown)
 {
+    if (showThumbnail(shown))
+        return;
     bool atTape = shown && shownPosition == shown->getPosition() && isStopped(*shown) && shown->hasSpriteSystem();
     if (atTape && shown->getCount() > 0) {
         KImage& page = shown->getSpriteSystem()->getPageImage();

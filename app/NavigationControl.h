@@ -118,6 +118,7 @@ private:
     void showPosition(int32_t p);
     void updateScrollBar(int32_t count);
     void updatePicture(const Tape* tape);
+    bool showThumbnail(const Tape* tape);
     void updateBookmarkLine(const Tape* tape);
     void updateParts();
     void pressed(int32_t id);

@@ -2,6 +2,8 @@
 
 #include "app/NavigationControl.h"
 #include "windowing/KPaletteWindow.h"
+#include "windowing/KProgressBarControl.h"
+#include "windowing/KStaticTextNativeControl.h"
 
 // The "Navigation" window: a small palette over the main window holding
 // the navigation control, shown and hidden from the Edit menu. It never
@@ -31,8 +33,19 @@ public:
     // is edited it only hides.
     void toggle();
 
+    // The thumbnails still to build out of `count`: "Preview: NN%" and a bar
+    // under the control while work is left, never 100%; nothing when done.
+    void setPreviewProgress(int32_t remaining, int32_t count);
+    bool showsPreviewProgress() const { return progressShown; }
+    KString getPreviewProgressText() const;
+
 private:
+    void showProgressLines(bool shown);
+
     NavigationControlPtr control;
+    KProgressBarControlPtr progressBar;
+    KPtr<KStaticTextNativeControl> progressLine;
+    bool progressShown = false;
 };
 
 using NavigationPalettePtr = KPtr<NavigationPalette>;

@@ -1,4 +1,5 @@
 #include "app/StylusActions.h"
+#include "app/StylusPreviews.h"
 
 #include "app/ActorEditor.h"
 #include "app/KSoundRecordDialog.h"
@@ -115,6 +116,8 @@ void StylusActions::installProject(StylusProject& opened)
         return;
     shown->setProject(&opened);
     shown->showTape(*shownTape, opened.getActorsDirectory());
+    if (StylusPreviews* previews = StylusPreviews::current())
+        previews->follow(&opened);
     afterProjectChange();
 }
 
@@ -336,10 +339,18 @@ bool StylusActions::doSave()
         alert(uiText("TaleLoom"), saveErrorText(*project));
         return false;
     }
+    saveThumbnails();
     if (StylusWindow* shown = window())
         shown->updateTitle();
     tellChanged();
     return true;
+}
+
+// The thumbnails go beside the document, so that it opens with them.
+void StylusActions::saveThumbnails()
+{
+    if (StylusPreviews* previews = StylusPreviews::current(); previews && project)
+        previews->writeAllAndSave(*project);
 }
 
 bool StylusActions::doSaveAs()
@@ -368,6 +379,7 @@ bool StylusActions::saveProjectAs(const KDirectory& folder, const KString& name)
     }
     if (Tape* saved = tape())
         saved->setMediaDirectory(*project->getMediaDirectory());
+    saveThumbnails();
     if (StylusWindow* shown = window())
         shown->updateTitle();
     rememberRecentFile(file);

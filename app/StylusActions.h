@@ -86,6 +86,7 @@ public:
     // True when the project was written.
     bool doSave();
     bool doSaveAs();
+    void saveThumbnails();
     // Saves the project as NAME in `folder` (a new project folder), with its
     // media and actor files.
     bool saveProjectAs(const KDirectory& folder, const KString& name);

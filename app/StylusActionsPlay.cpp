@@ -7,6 +7,7 @@
 #include "app/StylusApplication.h"
 #include "app/StylusClipboard.h"
 #include "app/StylusMenuBar.h"
+#include "app/StylusPreviews.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
 #include "app/UiText.h"
@@ -69,6 +70,8 @@ void StylusActions::play(bool fromPosition, bool fullScreen, bool quitAfter)
     if (palette && hideTools)
         palette->show(false);
     int32_t start = fromPosition ? std::max(0, played->getPosition() - 1) : 0;
+    if (StylusPreviews* previews = StylusPreviews::current())
+        previews->setPaused(true);
     played->startPlaying(start);
     shown->enterPlayMode();
     updateMenuBar();
@@ -95,6 +98,8 @@ void StylusActions::stopPlay()
     playEnteredFullScreen = false;
     if (shown)
         shown->updateBrushPosition();
+    if (StylusPreviews* previews = StylusPreviews::current())
+        previews->setPaused(false);
     updateMenuBar();
     if (quitAfterPlay) {
         quitAfterPlay = false;

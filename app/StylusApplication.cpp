@@ -1,4 +1,5 @@
 #include "app/StylusApplication.h"
+#include "app/StylusPreviews.h"
 
 #include "app/ActorEditor.h"
 #include "app/ActorsMenu.h"
@@ -176,6 +177,7 @@ void StylusApplication::doInit()
     formatMenu = kAdopt(new KTextFormatMenu());
     textDefaults = TextDefaults();
     actions = kAdopt(new StylusActions());
+    previews = std::make_unique<StylusPreviews>();
     actorEditor = kAdopt(new ActorEditor());
     clipboard = kAdopt(new StylusClipboard());
     toolPalette = kAdopt(new ToolPalette());
@@ -672,6 +674,7 @@ void StylusApplication::doExit()
         menuBar.clear();
     }
     actions.clear();
+    previews.reset();
     formatMenu.clear();
     if (mediaManager) {
         mediaManager->closeMediaSupport();

@@ -21,6 +21,7 @@ class ActorEditor;
 class StylusClipboard;
 class StylusWindow;
 class RecoveryCopy;
+class StylusPreviews;
 class StateFile;
 class StylusMenuBar;
 
@@ -144,4 +145,5 @@ private:
     KSpeechExceptionHandlerPtr speechExceptions;
     std::unique_ptr<RecoveryCopy> recovery;
     std::unique_ptr<StateFile> stateFile;
+    std::unique_ptr<StylusPreviews> previews;
 };

@@ -1,4 +1,5 @@
 #include "app/StylusTapeHost.h"
+#include "app/StylusPreviews.h"
 
 #include "app/ActorEditor.h"
 
@@ -206,6 +207,13 @@ void StylusTapeHost::refreshThumbnails()
 {
     if (NavigationPalette* navigation = NavigationPalette::current())
         navigation->getControl().refresh();
+}
+
+void StylusTapeHost::previewsInvalidated(Tape& tape)
+{
+    StylusPreviews* previews = StylusPreviews::current();
+    if (previews && previews->getPreview().getTape() == &tape)
+        previews->requestUpdate();
 }
 
 // --- Preferences --------------------------------------------------------------

@@ -44,6 +44,7 @@ public:
     void selectTool(int32_t entry) override;
     void refreshBookmarks() override;
     void refreshThumbnails() override;
+    void previewsInvalidated(Tape& tape) override;
 
     // "LimitActorSize": placed actors stay within 320 by 240.
     bool limitActorSize();

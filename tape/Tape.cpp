@@ -311,6 +311,7 @@ void Tape::invalidatePreviews()
         if (TapeObject* element = getAt(i))
             element->invalidatePreview();
     }
+    TapeHost::get().previewsInvalidated(*this);
 }
 
 // After an in-place edit: only up to the next page, since the page is new
@@ -331,6 +332,7 @@ void Tape::invalidatePreviewsFrom(int32_t p, bool onlyClearingTransitions)
         }
         element->invalidatePreview();
     }
+    TapeHost::get().previewsInvalidated(*this);
 }
 
 // --- Bookmarks -------------------------------------------------------------------

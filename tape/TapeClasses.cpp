@@ -15,6 +15,7 @@
 #include "tape/TapeGraphicObject.h"
 #include "tape/TapeObject.h"
 #include "tape/TapePage.h"
+#include "tape/TapePreview.h"
 #include "tape/WaitObject.h"
 #include "tape/WipeOut.h"
 #include "windowing/KWindowingClasses.h"
@@ -40,4 +41,5 @@ void registerTapeClasses()
     Tape::registerClass();
     TapePage::registerClass();
     ImageTapePage::registerClass();
+    TapePreview::registerClass();
 }

@@ -62,6 +62,8 @@ void TapeHost::selectTool(int32_t) { }
 void TapeHost::refreshBookmarks() { }
 void TapeHost::updateMenuBar() { }
 void TapeHost::refreshThumbnails() { }
+
+void TapeHost::previewsInvalidated(Tape&) { }
 bool TapeHost::autoEditCurrentElement() { return false; }
 bool TapeHost::highlightCurrentElement() { return false; }
 

@@ -51,6 +51,8 @@ public:
     virtual void refreshBookmarks();
     virtual void updateMenuBar();
     virtual void refreshThumbnails();
+    // Elements of `tape` lost their thumbnails: the builder starts again.
+    virtual void previewsInvalidated(Tape& tape);
 
     // --- Preferences -------------------------------------------------------
 

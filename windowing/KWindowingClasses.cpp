@@ -41,6 +41,8 @@
 #include "windowing/KPaletteWindow.h"
 #include "windowing/KPictureNativeControl.h"
 #include "windowing/KPopUpListNativeControl.h"
+#include "windowing/KProgressBarControl.h"
+#include "windowing/KProgressDialog.h"
 #include "windowing/KRadioGroupNativeControl.h"
 #include "windowing/KRangeNativeControl.h"
 #include "windowing/KScrollBarNativeControl.h"
@@ -94,6 +96,8 @@ void kRegisterWindowingClasses()
     KColourSwatchNativeControl::registerClass();
     KPictureNativeControl::registerClass();
     KImageControl::registerClass();
+    KProgressBarControl::registerClass();
+    KProgressDialog::registerClass();
     KEditFieldControl::registerClass();
     KTextFormatMenu::registerClass();
     KMenuItem::registerClass();
