@@ -1,4 +1,5 @@
 #include "app/StateFile.h"
+#include "app/StylusPreviews.h"
 
 #include "app/StylusActions.h"
 #include "app/StylusApplication.h"
@@ -106,6 +107,17 @@ void describeProject(KJsonWriter& out, StylusApplication& application)
     out.endObject();
 }
 
+void describePreviews(KJsonWriter& out)
+{
+    StylusPreviews* previews = StylusPreviews::current();
+    out.key("previews");
+    out.beginObject();
+    out.member("state", previews ? previews->getPreview().getState() : -1);
+    out.member("fromFile", previews ? previews->wereLoadedFromFile() : false);
+    out.member("elementsDrawn", previews ? previews->getPreview().getElementsDrawn() : int64_t(0));
+    out.endObject();
+}
+
 void describeBrush(KJsonWriter& out)
 {
     ToolPalette* palette = ToolPalette::current();
@@ -175,6 +187,7 @@ std::string StateFile::describe(StylusApplication& application)
     describeWindows(out);
     describeProject(out, application);
     describeBrush(out);
+    describePreviews(out);
     out.member("highlightShown", window ? window->isHighlightShown() : false);
     KCursorManager* cursors = KCursorManager::current();
     out.member("cursorVisible", !(cursors && cursors->isCursorHidden()));

@@ -55,10 +55,11 @@ void StylusPreviews::follow(StylusProject* project)
     if (tape == preview->getTape())
         return;
     preview->setTape(tape);
+    loadedFromFile = false;
     if (project) {
         KString path = thumbnailsPath(*project);
         if (!path.isEmpty())
-            preview->loadThumbnails(path);
+            loadedFromFile = preview->loadThumbnails(path);
     }
 }
 

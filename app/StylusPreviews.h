@@ -30,6 +30,9 @@ public:
     // then written beside the document.
     void writeAllAndSave(StylusProject& project);
 
+    // Whether the thumbnails of the project followed came from its file.
+    bool wereLoadedFromFile() const { return loadedFromFile; }
+
     KImage* getThumbnail(int32_t p) const { return preview->getThumbnail(p); }
 
     // ".NAME.previews" beside the document, or empty without a file.
@@ -43,4 +46,5 @@ private:
     PreviewActorStage stage;
     bool paused = false;
     bool idling = false;
+    bool loadedFromFile = false;
 };
