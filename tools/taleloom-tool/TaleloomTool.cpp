@@ -6,6 +6,7 @@
 #include "tools/taleloom-tool/DumpCommand.h"
 #include "tools/taleloom-tool/InfoCommand.h"
 #include "tools/taleloom-tool/PaletteCommand.h"
+#include "tools/taleloom-tool/PreviewsCommand.h"
 #include "tools/taleloom-tool/RenderCommand.h"
 #include "tools/taleloom-tool/SoundCommands.h"
 #include "tools/taleloom-tool/ToolCommand.h"
@@ -19,7 +20,7 @@ namespace {
 // The commands, in the order the usage lists them.
 const ToolCommand kCommands[] = {
     dumpCommand(),  infoCommand(), renderCommand(), traceCommand(),   voicesCommand(),
-    speakCommand(), playCommand(), recordCommand(), paletteCommand(),
+    speakCommand(), playCommand(), recordCommand(), paletteCommand(), previewsCommand(),
 };
 
 int generalUsage(std::ostream& err)
