@@ -1,4 +1,5 @@
 #include "app/ProjectFiles.h"
+#include "app/PlayerMode.h"
 
 #include "app/StylusApplication.h"
 #include "app/UiText.h"
@@ -121,6 +122,8 @@ bool isOldDocument(const KFileReference& file)
 
 void rememberRecentFile(const KFileReference& file)
 {
+    if (PlayerMode::isOn())
+        return;
     if (KNativeLayer* layer = KNativeLayer::current())
         layer->addRecentFile(KTextCodec::toUtf8(file.getNativeText()).c_str());
 }

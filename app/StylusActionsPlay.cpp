@@ -4,6 +4,7 @@
 #include "app/ElementDialog.h"
 #include "app/ProjectFiles.h"
 #include "app/StylusActions.h"
+#include "app/PlayerMode.h"
 #include "app/StylusApplication.h"
 #include "app/StylusClipboard.h"
 #include "app/StylusMenuBar.h"
@@ -88,7 +89,8 @@ void StylusActions::stopPlay()
         shown->stopPlayMode();
         shown->redrawPage(true);
     }
-    if (ToolPalette* palette = ToolPalette::current()) {
+    ToolPalette* palette = PlayerMode::isOn() ? nullptr : ToolPalette::current();
+    if (palette) {
         palette->show(true);
         palette->updateState(int32_t(WindowMode::TapeEditing));
     }

@@ -1,4 +1,6 @@
 #include "app/StylusApplication.h"
+#include "app/PlayerMode.h"
+#include "app/PlayerWaitAnswer.h"
 #include "app/StylusPreviews.h"
 
 #include "app/ActorEditor.h"
@@ -169,10 +171,14 @@ void StylusApplication::doInit()
     uint32_t startedAt = KNativeLayer::get().now();
     TapeHost::install(&StylusTapeHost::instance());
     readPreferences();
+    if (PlayerMode::isOn())
+        takePlayerSettings();
     applyLanguage();
     setSplashText(uiText("Loading...") + " " + uiText("TaleLoom v%1", getVersionText()));
-    settleDocumentFolder();
-    registerFileTypes();
+    if (!PlayerMode::isOn()) {
+        settleDocumentFolder();
+        registerFileTypes();
+    }
     startMediaManager();
     formatMenu = kAdopt(new KTextFormatMenu());
     textDefaults = TextDefaults();
@@ -190,7 +196,10 @@ void StylusApplication::doInit()
         if (ToolPalette* palette = ToolPalette::current())
             palette->saveColorsTo(file);
     };
-    readCommandLine();
+    if (PlayerMode::isOn())
+        openPlayerDocument();
+    else
+        readCommandLine();
     showUntitled();
     StylusWindow* window = StylusWindow::current();
     // A page as tall as the screen only fits without the window's frame.
@@ -205,7 +214,12 @@ void StylusApplication::doInit()
     if (window) {
         window->show(true);
         window->finishOpen();
-        installMenuBar(*window);
+        if (!PlayerMode::isOn())
+            installMenuBar(*window);
+    }
+    if (PlayerMode::isOn()) {
+        stateFile->install(*this);
+        return;
     }
     toolPalette->open(KWindow::OpenMode::Normal);
     toolPalette->finishOpen();
@@ -316,6 +330,42 @@ void StylusApplication::startMediaManager()
     // The one exceptions dictionary every speech of the stories rewrites
     // its text through; it reads the user's file once here.
     speechExceptions = kAdopt(new KSpeechExceptionHandler());
+}
+
+// The player takes the publication's settings over the user's, and shows
+// the story full screen unless asked for a window.
+void StylusApplication::takePlayerSettings()
+{
+    const PlayerMode& mode = PlayerMode::get();
+    if (!mode.language.isEmpty())
+        preferences.applicationLanguage = MainPreferences::normaliseLanguage(mode.language);
+    if (!mode.voice.isEmpty())
+        preferences.lastUsedVoice = mode.voice;
+    if (mode.hasSpeechSpeed)
+        preferences.speechSpeed = mode.speechSpeed;
+    if (mode.customSpeechSpeed >= 0)
+        preferences.customSpeechSpeed = mode.customSpeechSpeed == 1;
+    KPreferences forHost;
+    preferences.writeTo(forHost);
+    forHost.setBool("LimitActorSize", preferences.limitActorSize);
+    forHost.setBool("AllowDuplicatedActors", preferences.allowDuplicatedActors);
+    StylusTapeHost::instance().setPreferences(forHost);
+    screenMode = mode.windowed ? ScreenMode::Window : ScreenMode::FullScreen;
+}
+
+void StylusApplication::openPlayerDocument()
+{
+    const PlayerMode& mode = PlayerMode::get();
+    auto* event = new KApplicationEvent(KApplicationEvent::OpenDocument);
+    event->setFilePath(mode.document);
+    playOnOpen = true;
+    quitAfterPlay = mode.quitAtEnd;
+    if (mode.quitAtEnd) {
+        waitAnswer = kAdopt(new PlayerWaitAnswer());
+        waitAnswer->start();
+    }
+    post(event);
+    documentGiven = true;
 }
 
 // The first file is the document; the switches count only when it exists.
@@ -516,11 +566,18 @@ bool StylusApplication::openDocumentFile(const KString& path, bool print)
     if (actions->saveProjectChanges() == StylusActions::Cancel)
         return false;
     if (!actions->openProject(file)) {
+        if (PlayerMode::isOn()) {
+            std::fprintf(stderr, "TaleLoom: the story %s could not be opened\n",
+                         KTextCodec::toUtf8(file.getNativeText()).c_str());
+            KNativeLayer::get().postQuit(1);
+            return false;
+        }
         if (!StylusWindow::current() || !getProject() || !getProject()->hasFile())
             scheduleStartupDialog();
         return false;
     }
-    recovery->projectOpened(file);
+    if (!PlayerMode::isOn())
+        recovery->projectOpened(file);
     if (print)
         actions->doPrint();
     else if (playOnOpen)
@@ -649,10 +706,11 @@ void StylusApplication::writeStateFile()
 
 void StylusApplication::doExit()
 {
-    writePreferences();
+    if (!PlayerMode::isOn())
+        writePreferences();
     if (stateFile)
         stateFile->write(*this);
-    if (recovery)
+    if (recovery && !PlayerMode::isOn())
         recovery->finish(actions && actions->hasChanges());
     if (StylusWindow* window = StylusWindow::current()) {
         window->stopEditing();

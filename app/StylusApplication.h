@@ -22,6 +22,7 @@ class StylusClipboard;
 class StylusWindow;
 class RecoveryCopy;
 class StylusPreviews;
+class PlayerWaitAnswer;
 class StateFile;
 class StylusMenuBar;
 
@@ -120,6 +121,8 @@ private:
     void settleDocumentFolder();
     void startMediaManager();
     void readCommandLine();
+    void takePlayerSettings();
+    void openPlayerDocument();
     void showUntitled();
     void waitForSplash(uint32_t startedAt);
     bool openDocumentFile(const KString& path, bool print);
@@ -146,4 +149,5 @@ private:
     std::unique_ptr<RecoveryCopy> recovery;
     std::unique_ptr<StateFile> stateFile;
     std::unique_ptr<StylusPreviews> previews;
+    KPtr<PlayerWaitAnswer> waitAnswer;
 };

@@ -68,6 +68,8 @@ public:
     KEventReturn doClose(KWindowEvent& event) override;
     KEventReturn doDeactivate(KWindowEvent& event) override;
     KEventReturn doKeyDown(KKeyEvent& event) override;
+    // In the player: whether this key (0 for a click) ends the program.
+    bool playerQuits(int32_t keyCode, bool control);
     KEventReturn doMouseEnter(KMouseEvent& event) override;
     KEventReturn doMouseLeave(KMouseEvent& event) override;
     KEventReturn doMouseDown(KMouseEvent& event) override;

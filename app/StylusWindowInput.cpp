@@ -3,6 +3,8 @@
 
 #include "app/StylusActions.h"
 #include "app/StylusWindow.h"
+#include "app/PlayerMode.h"
+#include "windowing/KApplication.h"
 #include "app/ToolPalette.h"
 #include "app/actors/Actor.h"
 #include "app/actors/ActorMotion.h"
@@ -81,8 +83,26 @@ bool modalWindowOpen()
 
 // --- Mouse ----------------------------------------------------------------------
 
+// The player shows a story and nothing else: once the play has ended, a
+// click or a key ends the program, and Escape or Control+"." end it at any
+// time.
+bool StylusWindow::playerQuits(int32_t keyCode, bool control)
+{
+    if (!PlayerMode::isOn())
+        return false;
+    bool stopped = !tape || tape->getPlayState() == Tape::PlayState::Stopped;
+    bool quitKey = keyCode == KKeyEvent::Escape || (keyCode == '.' && control);
+    if (!stopped && !quitKey)
+        return false;
+    if (KApplication* running = KApplication::current())
+        running->requestQuit();
+    return true;
+}
+
 KEventReturn StylusWindow::doMouseDown(KMouseEvent& event)
 {
+    if (playerQuits(0, false))
+        return 1;
     if (!tape || !spriteSystem)
         return 1;
     if (!tapeIsIdle())
@@ -305,6 +325,8 @@ void StylusWindow::endMotionDrag(const KGraphicPoint& point)
 
 KEventReturn StylusWindow::doKeyDown(KKeyEvent& event)
 {
+    if (playerQuits(event.getKeyCode(), (event.getModifiers() & kControl) != 0))
+        return 1;
     if (editMode == EditMode::Text)
         return keyWhileEditing(event);
     int32_t code = event.getKeyCode();
