@@ -2,9 +2,9 @@
 
 #include "app/ActorEditor.h"
 #include "app/ElementDialog.h"
+#include "app/PlayerMode.h"
 #include "app/ProjectFiles.h"
 #include "app/StylusActions.h"
-#include "app/PlayerMode.h"
 #include "app/StylusApplication.h"
 #include "app/StylusClipboard.h"
 #include "app/StylusMenuBar.h"

@@ -1,6 +1,7 @@
 #include "app/StylusApplication.h"
 #include "app/PlayerMode.h"
 #include "app/PlayerWaitAnswer.h"
+#include "app/PublishDialog.h"
 #include "app/StylusPreviews.h"
 
 #include "app/ActorEditor.h"
@@ -162,6 +163,7 @@ void StylusApplication::registerClasses()
     ElementDialog::registerDialogClasses();
     EditBookmarkDialog::registerClass();
     SetupDialog::registerClass();
+    PublishDialog::registerClass();
 }
 
 // --- Start --------------------------------------------------------------------
@@ -191,6 +193,14 @@ void StylusApplication::doInit()
     actions->hooks().loadColors = [](const KFileReference& file) {
         if (ToolPalette* palette = ToolPalette::current())
             palette->loadColorsFrom(file);
+    };
+    actions->hooks().publish = [] {
+        StylusActions* current = StylusActions::current();
+        if (!current || !current->getProject())
+            return;
+        if (StylusWindow* window = StylusWindow::current())
+            window->stopEditing();
+        PublishDialog::ask(*current->getProject());
     };
     actions->hooks().saveColors = [](const KFileReference& file) {
         if (ToolPalette* palette = ToolPalette::current())

@@ -1,15 +1,15 @@
 // The main window's mouse and keys: painting, walking the tape and
 // controlling play.
 
+#include "app/PlayerMode.h"
 #include "app/StylusActions.h"
 #include "app/StylusWindow.h"
-#include "app/PlayerMode.h"
-#include "windowing/KApplication.h"
 #include "app/ToolPalette.h"
 #include "app/actors/Actor.h"
 #include "app/actors/ActorMotion.h"
 #include "kmultimedia/StylusSpriteSystem.h"
 #include "tape/Tape.h"
+#include "windowing/KApplication.h"
 #include "windowing/KEditFieldControl.h"
 #include "windowing/KKeyEvent.h"
 #include "windowing/KMouseEvent.h"

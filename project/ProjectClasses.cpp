@@ -1,6 +1,7 @@
 #include "project/ProjectClasses.h"
 
 #include "kernel/KClass.h"
+#include "project/KMediaPublisher.h"
 #include "project/StylusProject.h"
 #include "tape/TapeClasses.h"
 
@@ -10,4 +11,5 @@ void registerProjectClasses()
     if (StylusProject::classRecord && KClass::hasClass("StylusProject"))
         return;
     StylusProject::registerClass();
+    KMediaPublisher::registerClass();
 }

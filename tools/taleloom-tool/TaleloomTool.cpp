@@ -7,6 +7,7 @@
 #include "tools/taleloom-tool/InfoCommand.h"
 #include "tools/taleloom-tool/PaletteCommand.h"
 #include "tools/taleloom-tool/PreviewsCommand.h"
+#include "tools/taleloom-tool/PublishCommand.h"
 #include "tools/taleloom-tool/RenderCommand.h"
 #include "tools/taleloom-tool/SoundCommands.h"
 #include "tools/taleloom-tool/ToolCommand.h"
@@ -19,8 +20,8 @@ namespace {
 
 // The commands, in the order the usage lists them.
 const ToolCommand kCommands[] = {
-    dumpCommand(),  infoCommand(), renderCommand(), traceCommand(),   voicesCommand(),
-    speakCommand(), playCommand(), recordCommand(), paletteCommand(), previewsCommand(),
+    dumpCommand(), infoCommand(),   renderCommand(),  traceCommand(),    voicesCommand(),  speakCommand(),
+    playCommand(), recordCommand(), paletteCommand(), previewsCommand(), publishCommand(),
 };
 
 int generalUsage(std::ostream& err)
