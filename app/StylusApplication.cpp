@@ -1,8 +1,10 @@
 #include "app/StylusApplication.h"
 #include "app/PlayerMode.h"
 #include "app/PlayerWaitAnswer.h"
+#include "app/PrintBookDialog.h"
 #include "app/PublishDialog.h"
 #include "app/StylusPreviews.h"
+#include "app/StylusPrinting.h"
 
 #include "app/ActorEditor.h"
 #include "app/ActorsMenu.h"
@@ -164,6 +166,7 @@ void StylusApplication::registerClasses()
     EditBookmarkDialog::registerClass();
     SetupDialog::registerClass();
     PublishDialog::registerClass();
+    PrintBookDialog::registerClass();
 }
 
 // --- Start --------------------------------------------------------------------
@@ -202,6 +205,10 @@ void StylusApplication::doInit()
             window->stopEditing();
         PublishDialog::ask(*current->getProject());
     };
+    printing = std::make_unique<StylusPrinting>();
+    actions->hooks().pageSetup = [this] { printing->pageSetup(); };
+    actions->hooks().print = [this] { printing->printPage(); };
+    actions->hooks().printBook = [this] { printing->askAndPrintBook(); };
     actions->hooks().saveColors = [](const KFileReference& file) {
         if (ToolPalette* palette = ToolPalette::current())
             palette->saveColorsTo(file);
@@ -560,6 +567,16 @@ KEventReturn StylusApplication::doPrintDocument(KApplicationEvent& event)
     return 1;
 }
 
+KEventReturn StylusApplication::doPrintPage(KGraphicDevice& device, const KGraphicRectangle& printable, int32_t page)
+{
+    if (!printing)
+        return 0;
+    printing->printSheet(device, printable, page);
+    return 1;
+}
+
+const char* StylusApplication::versionText() { return TALELOOM_VERSION_TEXT; }
+
 bool StylusApplication::openDocumentFile(const KString& path, bool print)
 {
     StartupDialog::closeOpen();
@@ -588,8 +605,10 @@ bool StylusApplication::openDocumentFile(const KString& path, bool print)
     }
     if (!PlayerMode::isOn())
         recovery->projectOpened(file);
-    if (print)
-        actions->doPrint();
+    // A story printed from the command line goes out as a book of four
+    // pictures a sheet, with colour backgrounds left white.
+    if (print && printing)
+        printing->printProject(BookPrinter::Options(), false);
     else if (playOnOpen)
         actions->play(false, false, quitAfterPlay);
     return true;

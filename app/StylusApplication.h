@@ -22,6 +22,7 @@ class StylusClipboard;
 class StylusWindow;
 class RecoveryCopy;
 class StylusPreviews;
+class StylusPrinting;
 class PlayerWaitAnswer;
 class StateFile;
 class StylusMenuBar;
@@ -49,6 +50,7 @@ public:
     void doExit() override;
     KEventReturn doOpenDocument(KApplicationEvent& event) override;
     KEventReturn doPrintDocument(KApplicationEvent& event) override;
+    KEventReturn doPrintPage(KGraphicDevice& device, const KGraphicRectangle& printable, int32_t page) override;
     KEventReturn doQuit(KApplicationEvent& event) override;
     KEventReturn doDeactivate(KApplicationEvent& event) override;
     KEventReturn doHelp(KMenuEvent& event) override;
@@ -102,6 +104,10 @@ public:
     bool isPlayOnOpen() const { return playOnOpen; }
     bool isQuitAfterPlay() const { return quitAfterPlay; }
     RecoveryCopy* getRecovery() const { return recovery.get(); }
+    StylusPreviews* getPreviews() const { return previews.get(); }
+    StylusPrinting* getPrinting() const { return printing.get(); }
+    // The program's version, "MAJOR.MINOR.RELEASE".
+    static const char* versionText();
     // Offers the unsaved work of an earlier run back, one copy after the
     // other; true when one was reopened.
     bool offerRecovery();
@@ -149,5 +155,6 @@ private:
     std::unique_ptr<RecoveryCopy> recovery;
     std::unique_ptr<StateFile> stateFile;
     std::unique_ptr<StylusPreviews> previews;
+    std::unique_ptr<StylusPrinting> printing;
     KPtr<PlayerWaitAnswer> waitAnswer;
 };

@@ -113,8 +113,21 @@ void TapeHost::pauseAllMedia() { }
 void TapeHost::stopAllMedia() { }
 void TapeHost::markActorModified(KThing&) { }
 bool TapeHost::loadBitmapResource(int16_t, KImage&) { return false; }
-bool TapeHost::printingWithoutColourBackgrounds() { return false; }
-bool TapeHost::printingWithoutImageBackgrounds() { return false; }
+namespace {
+
+bool bookWithoutColourBackgrounds = false;
+bool bookWithoutImageBackgrounds = false;
+
+} // namespace
+
+bool TapeHost::printingWithoutColourBackgrounds() { return bookWithoutColourBackgrounds; }
+bool TapeHost::printingWithoutImageBackgrounds() { return bookWithoutImageBackgrounds; }
+
+void TapeHost::setBookBackgrounds(bool withoutColour, bool withoutImage)
+{
+    bookWithoutColourBackgrounds = withoutColour;
+    bookWithoutImageBackgrounds = withoutImage;
+}
 
 KString tapeTranslate(const char* key)
 {

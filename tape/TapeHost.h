@@ -125,9 +125,11 @@ public:
     // Fills an image from a bitmap resource of the program; false when there
     // is none.
     virtual bool loadBitmapResource(int16_t id, KImage& image);
-    // The book printer's options, which leave page backgrounds white.
+    // The book printer's options, which leave page backgrounds white. A
+    // host answers what the printer set, unless it knows better.
     virtual bool printingWithoutColourBackgrounds();
     virtual bool printingWithoutImageBackgrounds();
+    static void setBookBackgrounds(bool withoutColour, bool withoutImage);
 };
 
 // Shows the busy cursor for a scope.

@@ -403,6 +403,7 @@ KEventReturn KApplication::doDeactivate(KApplicationEvent&) { return 0; }
 KEventReturn KApplication::doActivate(KApplicationEvent&) { return 0; }
 KEventReturn KApplication::doOpenDocument(KApplicationEvent&) { return 0; }
 KEventReturn KApplication::doPrintDocument(KApplicationEvent&) { return 0; }
+KEventReturn KApplication::doPrintPage(KGraphicDevice&, const KGraphicRectangle&, int32_t) { return 0; }
 KEventReturn KApplication::doQuit(KApplicationEvent&) { return 2; }
 KEventReturn KApplication::doClipboardChanged(KApplicationEvent&) { return 0; }
 KEventReturn KApplication::doDataReceived(KApplicationEvent&) { return 0; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "graphics/KGraphicsForward.h"
 #include "kernel/KString.h"
 #include "kernel/KThingPtr.h"
 #include "windowing/KWindowingForward.h"
@@ -73,6 +74,9 @@ public:
     virtual KEventReturn doActivate(KApplicationEvent& event);
     virtual KEventReturn doOpenDocument(KApplicationEvent& event);
     virtual KEventReturn doPrintDocument(KApplicationEvent& event);
+    // A print job's sheet `page` (from 1) on the printer's device, inside
+    // the printable rectangle.
+    virtual KEventReturn doPrintPage(KGraphicDevice& device, const KGraphicRectangle& printable, int32_t page);
     virtual KEventReturn doQuit(KApplicationEvent& event);
     virtual KEventReturn doClipboardChanged(KApplicationEvent& event);
     virtual KEventReturn doDataReceived(KApplicationEvent& event);

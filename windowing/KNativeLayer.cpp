@@ -89,6 +89,15 @@ void KNativeLayer::storeClipboard() { }
 
 bool KNativeLayer::chooseFile(const KNativeChooserRequest&, std::string&) { return false; }
 bool KNativeLayer::chooseColour(const char*, KNativeColour&) { return false; }
+bool KNativeLayer::runPageSetup(KNativePageSetupRequest&) { return false; }
+bool KNativeLayer::printPaperSize(double&, double&) { return false; }
+bool KNativeLayer::isPrintLandscape() { return false; }
+
+int32_t KNativeLayer::runPrintJob(const KNativePrintJob&, std::string& error)
+{
+    error = "no printing";
+    return KNativePrintJob::Failed;
+}
 
 // A box nobody can see takes its default answer; the text still reaches
 // the terminal.

@@ -163,6 +163,17 @@ public:
     virtual bool chooseColour(const char* title, KNativeColour& colour);
     // One of KNativeAnswer.
     virtual int32_t messageBox(const KNativeAlertRequest& alert);
+
+    // --- Printing ------------------------------------------------------------------
+    // The page set-up dialog; false when cancelled (the margins are then
+    // untouched). The paper chosen is kept for the jobs that follow.
+    virtual bool runPageSetup(KNativePageSetupRequest& request);
+    // The size of the paper the next job uses, in points; false when there
+    // is no printing.
+    virtual bool printPaperSize(double& widthPoints, double& heightPoints);
+    virtual bool isPrintLandscape();
+    // One of KNativePrintJob::Outcome; a failure says why in `error`.
+    virtual int32_t runPrintJob(const KNativePrintJob& job, std::string& error);
     virtual void beep();
 
     // --- The local message channel -----------------------------------------------

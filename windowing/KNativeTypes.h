@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -271,3 +272,40 @@ struct KNativeClipboardContent {
 // The two standard formats by name, for clipboardHasFormat.
 inline constexpr const char* kClipboardText = "TEXT";
 inline constexpr const char* kClipboardImage = "IMAGE";
+
+class KNativeDevice;
+
+// Paper margins in hundredths of a millimetre.
+struct KNativePrintMargins {
+    int32_t left = 1000;
+    int32_t top = 1000;
+    int32_t right = 1000;
+    int32_t bottom = 1000;
+
+    bool operator==(const KNativePrintMargins& other) const = default;
+};
+
+// The page set-up dialog: the paper and its orientation are the printing
+// system's own; the margins row carries the program's labels.
+struct KNativePageSetupRequest {
+    std::string title;
+    std::string marginsLabel;
+    // Left, top, right, bottom.
+    std::string sideLabels[4];
+    KNativePrintMargins margins;
+};
+
+// A print job. Its pages are drawn on the paper's whole sheet in dots of
+// `dotsPerInch`, the origin at the paper's corner.
+struct KNativePrintJob {
+    enum Outcome : int32_t { Printed = 0, Cancelled = 1, Failed = 2 };
+    std::string title;
+    int32_t pages = 1;
+    bool showDialog = true;
+    double dotsPerInch = 300.0;
+    // A PDF file to write instead of printing, or empty.
+    std::string exportPath;
+    // Draws page `page` (from 1) on a device of the sheet, which the callee
+    // takes over.
+    std::function<void(KNativeDevice* device, int32_t page)> drawPage;
+};

@@ -41,6 +41,7 @@
 #include "windowing/KPaletteWindow.h"
 #include "windowing/KPictureNativeControl.h"
 #include "windowing/KPopUpListNativeControl.h"
+#include "windowing/KPrintingManager.h"
 #include "windowing/KProgressBarControl.h"
 #include "windowing/KProgressDialog.h"
 #include "windowing/KRadioGroupNativeControl.h"
@@ -98,6 +99,7 @@ void kRegisterWindowingClasses()
     KImageControl::registerClass();
     KProgressBarControl::registerClass();
     KProgressDialog::registerClass();
+    KPrintingManager::registerClass();
     KEditFieldControl::registerClass();
     KTextFormatMenu::registerClass();
     KMenuItem::registerClass();

@@ -203,8 +203,10 @@ void KNativeDevice::drawText(const std::string& utf8, int32_t x, int32_t y, cons
     setColour(cr, colour);
     cairo_set_operator(cr, CAIRO_OPERATOR_OVER);
     PangoLayout* layout = kCreateTextLayout(cr, utf8, font, face);
-    if (!givenContext)
-        pango_cairo_context_set_resolution(pango_layout_get_context(layout), kScreenResolution);
+    // A given context (a print job's) is measured in its own dots, so a
+    // point of type is as big there as on paper.
+    double resolution = givenContext && dpiY > 0 ? dpiY : kScreenResolution;
+    pango_cairo_context_set_resolution(pango_layout_get_context(layout), resolution);
     pango_layout_context_changed(layout);
     cairo_move_to(cr, x, y);
     pango_cairo_show_layout(cr, layout);

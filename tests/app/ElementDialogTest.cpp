@@ -11,6 +11,7 @@
 #include "app/SoundDialog.h"
 #include "app/SpeechDialog.h"
 #include "app/StylusActions.h"
+#include "app/StylusPreviews.h"
 #include "app/TextDialogStandard.h"
 #include "app/WaitObjectDialog.h"
 #include "kernel/KDirectory.h"
@@ -378,6 +379,9 @@ TEST_F(ElementDialogTest, TextSettingsTakeTheirFlagsAndSpoilThePreviewsFromTheTe
         putOnTape(tape, *text);
         putOnTape(tape, *after);
         tape.setPositionQuietly(1);
+        // Thumbnails built while the dialog is up would make the elements
+        // valid again.
+        app.getPreviews()->setPaused(true);
         text->setPreviewValid(true);
         after->setPreviewValid(true);
         DialogScript script(layer);

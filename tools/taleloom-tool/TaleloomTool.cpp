@@ -7,6 +7,7 @@
 #include "tools/taleloom-tool/InfoCommand.h"
 #include "tools/taleloom-tool/PaletteCommand.h"
 #include "tools/taleloom-tool/PreviewsCommand.h"
+#include "tools/taleloom-tool/PrintBookCommand.h"
 #include "tools/taleloom-tool/PublishCommand.h"
 #include "tools/taleloom-tool/RenderCommand.h"
 #include "tools/taleloom-tool/SoundCommands.h"
@@ -21,7 +22,7 @@ namespace {
 // The commands, in the order the usage lists them.
 const ToolCommand kCommands[] = {
     dumpCommand(), infoCommand(),   renderCommand(),  traceCommand(),    voicesCommand(),  speakCommand(),
-    playCommand(), recordCommand(), paletteCommand(), previewsCommand(), publishCommand(),
+    playCommand(), recordCommand(), paletteCommand(), previewsCommand(), publishCommand(), printBookCommand(),
 };
 
 int generalUsage(std::ostream& err)

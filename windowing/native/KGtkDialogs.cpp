@@ -12,19 +12,9 @@
 
 namespace {
 
-// While a native dialog runs its own loop, every framework event is
-// refused as handled.
-class NativeModalGuard {
-public:
-    explicit NativeModalGuard(GtkWidget* dialog) { KEvent::setNativeModalWindow(dialog); }
-    ~NativeModalGuard() { KEvent::setNativeModalWindow(nullptr); }
-    NativeModalGuard(const NativeModalGuard&) = delete;
-    NativeModalGuard& operator=(const NativeModalGuard&) = delete;
-};
-
 gint runDialog(GtkWidget* dialog)
 {
-    NativeModalGuard guard(dialog);
+    KGtkNativeModalGuard guard(dialog);
     return gtk_dialog_run(GTK_DIALOG(dialog));
 }
 

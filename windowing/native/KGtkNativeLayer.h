@@ -85,6 +85,10 @@ public:
     bool chooseFile(const KNativeChooserRequest& request, std::string& path) override;
     bool chooseColour(const char* title, KNativeColour& colour) override;
     int32_t messageBox(const KNativeAlertRequest& alert) override;
+    bool runPageSetup(KNativePageSetupRequest& request) override;
+    bool printPaperSize(double& widthPoints, double& heightPoints) override;
+    bool isPrintLandscape() override;
+    int32_t runPrintJob(const KNativePrintJob& job, std::string& error) override;
     void beep() override;
 
     bool droppedFile(int32_t drop, char* buffer, int32_t size) override;

@@ -1,5 +1,6 @@
 #include "windowing/testing/KFakeNativeLayer.h"
 
+#include "graphics/native/KNativeDevice.h"
 #include "windowing/KEventTranslator.h"
 
 #include <algorithm>
@@ -766,6 +767,67 @@ bool KFakeNativeLayer::chooseColour(const char*, KNativeColour& colour)
     colour = colourAnswers.front();
     colourAnswers.pop_front();
     return true;
+}
+
+bool KFakeNativeLayer::runPageSetup(KNativePageSetupRequest& request)
+{
+    pageSetupRequests.push_back(request);
+    if (pageSetupAnswers.empty())
+        return false;
+    request.margins = pageSetupAnswers.front();
+    pageSetupAnswers.pop_front();
+    return true;
+}
+
+bool KFakeNativeLayer::printPaperSize(double& widthPoints, double& heightPoints)
+{
+    widthPoints = paperWidth;
+    heightPoints = paperHeight;
+    return true;
+}
+
+void KFakeNativeLayer::setPaper(double widthPoints, double heightPoints, bool landscape)
+{
+    paperWidth = widthPoints;
+    paperHeight = heightPoints;
+    paperLandscape = landscape;
+}
+
+void KFakeNativeLayer::answerPrintJob(int32_t outcome, const std::string& error)
+{
+    printAnswers.emplace_back(outcome, error);
+}
+
+int32_t KFakeNativeLayer::runPrintJob(const KNativePrintJob& job, std::string& error)
+{
+    std::pair<int32_t, std::string> answer { KNativePrintJob::Printed, {} };
+    if (!printAnswers.empty()) {
+        answer = printAnswers.front();
+        printAnswers.pop_front();
+    }
+    if (answer.first != KNativePrintJob::Printed) {
+        error = answer.second;
+        return answer.first;
+    }
+    PrintedJob printed { job.title, job.pages, job.showDialog, job.exportPath, {} };
+    int32_t width = int32_t(std::lround(paperWidth * job.dotsPerInch / 72.0));
+    int32_t height = int32_t(std::lround(paperHeight * job.dotsPerInch / 72.0));
+    for (int32_t page = 1; page <= job.pages; ++page) {
+        std::shared_ptr<KNativeDevice> sheet(KNativeDevice::createImage(width, height));
+        if (!sheet)
+            break;
+        KPixelBuffer pixels;
+        if (sheet->beginPixels(pixels)) {
+            for (int32_t y = 0; y < height; ++y)
+                std::fill(pixels.row(y), pixels.row(y) + width, 0xFFFFFFFFu);
+            sheet->endPixels(KWideRectangle(0, 0, width, height));
+        }
+        if (job.drawPage)
+            job.drawPage(KNativeDevice::wrapSurface(sheet->getSurface()), page);
+        printed.sheets.push_back(sheet);
+    }
+    printedJobs.push_back(std::move(printed));
+    return KNativePrintJob::Printed;
 }
 
 int32_t KFakeNativeLayer::messageBox(const KNativeAlertRequest& alert)

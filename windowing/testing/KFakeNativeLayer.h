@@ -143,6 +143,10 @@ public:
     void storeClipboard() override { ++clipboardStores; }
     bool chooseFile(const KNativeChooserRequest& request, std::string& path) override;
     bool chooseColour(const char* title, KNativeColour& colour) override;
+    bool runPageSetup(KNativePageSetupRequest& request) override;
+    bool printPaperSize(double& widthPoints, double& heightPoints) override;
+    bool isPrintLandscape() override { return paperLandscape; }
+    int32_t runPrintJob(const KNativePrintJob& job, std::string& error) override;
     int32_t messageBox(const KNativeAlertRequest& alert) override;
     void beep() override { ++beeps; }
     bool openMessageSlot(const char* name) override;
@@ -250,6 +254,23 @@ public:
     const std::vector<KNativeAlertRequest>& alerts() const { return shownAlerts; }
     int32_t beepCount() const { return beeps; }
 
+    // Printing: the paper of the next jobs, the answers of the next page
+    // set-ups (margins, or a cancel when none is scripted) and jobs (an
+    // outcome; printed when none is scripted). A printed job's sheets are
+    // kept as images.
+    struct PrintedJob {
+        std::string title;
+        int32_t pages = 0;
+        bool showDialog = false;
+        std::string exportPath;
+        std::vector<std::shared_ptr<KNativeDevice>> sheets;
+    };
+    void setPaper(double widthPoints, double heightPoints, bool landscape = false);
+    void answerPageSetup(const KNativePrintMargins& margins) { pageSetupAnswers.push_back(margins); }
+    void answerPrintJob(int32_t outcome, const std::string& error = {});
+    const std::vector<KNativePageSetupRequest>& pageSetups() const { return pageSetupRequests; }
+    const std::vector<PrintedJob>& printJobs() const { return printedJobs; }
+
     const KNativeClipboardContent& clipboard() const { return clipboardContent; }
     // What another program put on the clipboard.
     void setClipboardFromOutside(const KNativeClipboardContent& content) { clipboardContent = content; }
@@ -262,6 +283,13 @@ public:
     void holdSlotElsewhere(const std::string& name) { heldSlots.push_back(name); }
 
 private:
+    std::deque<KNativePrintMargins> pageSetupAnswers;
+    std::vector<KNativePageSetupRequest> pageSetupRequests;
+    std::deque<std::pair<int32_t, std::string>> printAnswers;
+    std::vector<PrintedJob> printedJobs;
+    double paperWidth = 216.0;
+    double paperHeight = 288.0;
+    bool paperLandscape = false;
     struct Entry {
         KNativeRecord record;
         uint32_t time = 0;
