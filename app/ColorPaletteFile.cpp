@@ -6,6 +6,7 @@
 #include "kernel/KFile.h"
 #include "kernel/KMemory.h"
 #include "kernel/KVariable.h"
+#include "project/legacy/ZFile.h"
 
 #include <cstring>
 #include <string>
@@ -31,8 +32,6 @@ int32_t bigEndianLong(const uint8_t* bytes)
 {
     return int32_t(uint32_t(bytes[0]) << 24 | uint32_t(bytes[1]) << 16 | uint32_t(bytes[2]) << 8 | bytes[3]);
 }
-
-uint16_t bigEndianShort(const uint8_t* bytes) { return uint16_t(bytes[0] << 8 | bytes[1]); }
 
 // A read-buffered file over a copy of the bytes; the file frees the copy.
 void openCopy(KFile& file, const uint8_t* bytes, size_t size)
@@ -143,15 +142,23 @@ ColorPaletteFile::Form ColorPaletteFile::decodeOldForm(const uint8_t* bytes, siz
 {
     if (size != size_t(kOldFormSize))
         return Form::None;
+    // The records are read as old documents are, after the magic.
+    ZFile file(std::vector<uint8_t>(bytes + 4, bytes + size), KString::Macintosh);
     Colors read;
     for (int32_t i = 0; i < kColorCount; ++i) {
-        const uint8_t* record = bytes + 4 + size_t(i) * size_t(kOldRecordSize);
         // The head's second long is the record's version, which changes
         // nothing in three channels.
-        if (!isOldColourClass(bigEndianLong(record)))
+        int32_t id = file.readLong();
+        file.readLong();
+        if (!isOldColourClass(id))
             return Form::None;
-        read.set(i, KColor(bigEndianShort(record + 8), bigEndianShort(record + 10), bigEndianShort(record + 12)));
+        uint16_t red = uint16_t(file.readShort());
+        uint16_t green = uint16_t(file.readShort());
+        uint16_t blue = uint16_t(file.readShort());
+        read.set(i, KColor(red, green, blue));
     }
+    if (file.failed())
+        return Form::None;
     out = read;
     return Form::Old;
 }

@@ -112,14 +112,6 @@ KString saveErrorText(const StylusProject& project)
     return uiText("The project could not be saved.");
 }
 
-bool isOldDocument(const KFileReference& file)
-{
-    std::string extension = file.getPath().getExtension().c_str();
-    for (char& c : extension)
-        c = char(std::toupper(static_cast<unsigned char>(c)));
-    return extension == "STT";
-}
-
 void rememberRecentFile(const KFileReference& file)
 {
     if (PlayerMode::isOn())

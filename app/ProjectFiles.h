@@ -30,8 +30,5 @@ void copyProjectFiles(StylusProject& read, StylusProject& into, Tape& readTape);
 // Full!" ...), or a general one.
 KString saveErrorText(const StylusProject& project);
 
-// An old document (STT), which needs converting first.
-bool isOldDocument(const KFileReference& file);
-
 // Adds the file to the desktop's recent files.
 void rememberRecentFile(const KFileReference& file);

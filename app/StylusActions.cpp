@@ -5,6 +5,7 @@
 #include "app/KSoundRecordDialog.h"
 #include "app/KSpeechExceptionsDialog.h"
 #include "app/NewProjectDialog.h"
+#include "app/OldDocumentOpening.h"
 #include "app/ProjectFiles.h"
 #include "app/StylusApplication.h"
 #include "app/StylusWindow.h"
@@ -271,10 +272,9 @@ bool StylusActions::openProject(const KFileReference& file)
         alert(uiText("Error while reading file"), uiText("The file \"%1\" was not found.", file.getNativeText()));
         return false;
     }
-    if (isOldDocument(file)) {
-        alert(uiText("Old TaleLoom Document"),
-              uiText("This is an old TaleLoom document; old documents cannot be opened yet."));
-        return false;
+    if (OldDocumentOpening::isOldDocument(file)) {
+        KFileReference converted;
+        return OldDocumentOpening::convert(file, converted) && openProject(converted);
     }
     KBusyCursor busy;
     StylusProjectPtr opened(new StylusProject());

@@ -1,4 +1,5 @@
 #include "app/StylusApplication.h"
+#include "app/PlatformQuestionDialog.h"
 #include "app/PlayerMode.h"
 #include "app/PlayerWaitAnswer.h"
 #include "app/PrintBookDialog.h"
@@ -167,6 +168,7 @@ void StylusApplication::registerClasses()
     SetupDialog::registerClass();
     PublishDialog::registerClass();
     PrintBookDialog::registerClass();
+    PlatformQuestionDialog::registerClass();
 }
 
 // --- Start --------------------------------------------------------------------

@@ -18,3 +18,10 @@ inline void fuzzForwardErrors()
     });
     KErrorHandler::setMessageProc([](const char*, const char*, int32_t) {});
 }
+
+// A broken promise of a reader is a finding.
+inline void fuzzCheck(bool condition)
+{
+    if (!condition)
+        std::abort();
+}

@@ -3,6 +3,7 @@
 #include "app/AppClasses.h"
 #include "kernel/KErrorHandler.h"
 #include "kernel/KKernelClasses.h"
+#include "tools/taleloom-tool/ConvertCommand.h"
 #include "tools/taleloom-tool/DumpCommand.h"
 #include "tools/taleloom-tool/InfoCommand.h"
 #include "tools/taleloom-tool/PaletteCommand.h"
@@ -21,8 +22,9 @@ namespace {
 
 // The commands, in the order the usage lists them.
 const ToolCommand kCommands[] = {
-    dumpCommand(), infoCommand(),   renderCommand(),  traceCommand(),    voicesCommand(),  speakCommand(),
-    playCommand(), recordCommand(), paletteCommand(), previewsCommand(), publishCommand(), printBookCommand(),
+    dumpCommand(),    infoCommand(),      renderCommand(),  traceCommand(),   voicesCommand(),
+    speakCommand(),   playCommand(),      recordCommand(),  paletteCommand(), previewsCommand(),
+    publishCommand(), printBookCommand(), convertCommand(),
 };
 
 int generalUsage(std::ostream& err)
