@@ -8,7 +8,7 @@
 class PlatformQuestionDialog : public KDialog {
     K_DECLARE_CLASS(PlatformQuestionDialog)
 public:
-    static constexpr int32_t kWidth = 420;
+    static constexpr int32_t kWidth = 480;
     static constexpr int32_t kHeight = 130;
 
     PlatformQuestionDialog();
