@@ -16,6 +16,11 @@
 // long_ms, short_ms and ratio, which must stay at most 1.2: ending a
 // stroke never rebuilds the page.
 //
+// BM_PenMove: one pen move while painting against the same segment of
+// dabs plus one 32x32 frame of the brush sprite drawn on an image (bound
+// 1.5). BM_OpenProject: opening the sample against its document's load
+// plus one page rebuild (bound 1.3).
+//
 // BM_PlayLatency: Control+G to the tape's first play tick: the work of the
 // loop's turns plus the time the loop waits for the tick. Counters
 // play_mean_ms, play_p95_ms, play_max_ms; the bound is 50 ms.
@@ -26,6 +31,7 @@
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
 #include "bench/LatencyReport.h"
+#include "graphics/KImage.h"
 #include "project/StylusProject.h"
 #include "tape/ImageTapePage.h"
 #include "tape/Stroke.h"
@@ -278,8 +284,104 @@ void BM_PlayLatency(benchmark::State& state)
     report(state, "play", times);
 }
 
+// One pen move of a stroke being painted, against drawing the same segment
+// of dabs on a page of the same size plus one 32x32 frame of the brush
+// sprite (the brush's square taken from the page and put back). Best mean
+// of 5 rounds of 200 moves; the ratio must stay at most 1.5.
+double penMoveMean(StylusWindow& window)
+{
+    double best = 1e9;
+    for (int round = 0; round < 5; ++round) {
+        window.startStroke(KGraphicPoint(100, 100), false);
+        Clock::time_point start = Clock::now();
+        for (int i = 1; i <= 200; ++i)
+            window.continueStroke(KGraphicPoint(int16_t(100 + (i % 50) * 8), int16_t(100 + (i % 25) * 4)), false);
+        best = std::min(best, millisecondsSince(start) / 200);
+        window.endStroke(KGraphicPoint(100, 100), false);
+        Tape& story = *StylusActions::current()->getProject()->getTape();
+        story.removeRange(story.getCount() - 1, story.getCount() - 1);
+    }
+    return best;
+}
+
+double bareSegmentMean(int16_t brush)
+{
+    KImagePtr page(new KImage(KGraphicSize(800, 600)));
+    KImagePtr square(new KImage(KGraphicSize(32, 32)));
+    double best = 1e9;
+    for (int round = 0; round < 5; ++round) {
+        Clock::time_point start = Clock::now();
+        for (int i = 1; i <= 200; ++i) {
+            KGraphicPoint from(int16_t(100 + ((i - 1) % 50) * 8), int16_t(100 + ((i - 1) % 25) * 4));
+            KGraphicPoint to(int16_t(100 + (i % 50) * 8), int16_t(100 + (i % 25) * 4));
+            Stroke::drawDabLine(page->getDevice(), from, to, brush, nullptr);
+            KGraphicRectangle spot(int16_t(to.x - 16), int16_t(to.y - 16), 32, 32);
+            page->getDevice().copyTo(square->getDevice(), spot, KGraphicRectangle(0, 0, 32, 32));
+            square->getDevice().copyTo(page->getDevice(), KGraphicRectangle(0, 0, 32, 32), spot);
+        }
+        best = std::min(best, millisecondsSince(start) / 200);
+    }
+    return best;
+}
+
+void BM_PenMove(benchmark::State& state)
+{
+    KFakeNativeLayer layer;
+    double moveMs = 0;
+    double bareMs = 0;
+    runProgram(layer, [&](BenchApplication&) {
+        StylusWindow& window = *StylusWindow::current();
+        TapePtr story = strokeStory(10, window);
+        for (auto _ : state) {
+            moveMs = penMoveMean(window);
+            bareMs = bareSegmentMean(Stroke::kDefaultBrushSize);
+        }
+    });
+    state.counters["move_ms"] = moveMs;
+    state.counters["bare_ms"] = bareMs;
+    state.counters["ratio"] = bareMs > 0 ? moveMs / bareMs : 0;
+}
+
+// Opening the sample story from the File menu's command, against loading
+// its document and rebuilding one page at its position on an image page.
+// Best of 10; the ratio must stay at most 1.3.
+void BM_OpenProject(benchmark::State& state)
+{
+    KFakeNativeLayer layer;
+    double openMs = 1e9;
+    double boundMs = 1e9;
+    runProgram(layer, [&](BenchApplication& app) {
+        KFileReference file = *app.getProject()->getFile();
+        for (auto _ : state) {
+            for (int round = 0; round < 10; ++round) {
+                Clock::time_point start = Clock::now();
+                if (!StylusActions::current()->openProject(file))
+                    std::abort();
+                openMs = std::min(openMs, millisecondsSince(start));
+                app.turn();
+
+                start = Clock::now();
+                StylusProjectPtr project(new StylusProject());
+                if (!project->load(file))
+                    std::abort();
+                Tape& tape = *project->getTape();
+                ImageTapePagePtr page(new ImageTapePage(tape.getPageSize()));
+                tape.setSpriteSystem(*page);
+                tape.rebuildPage();
+                boundMs = std::min(boundMs, millisecondsSince(start));
+                tape.clearSpriteSystem();
+            }
+        }
+    });
+    state.counters["open_ms"] = openMs;
+    state.counters["bound_ms"] = boundMs;
+    state.counters["ratio"] = boundMs > 0 ? openMs / boundMs : 0;
+}
+
 } // namespace
 
+BENCHMARK(BM_PenMove)->Iterations(1);
+BENCHMARK(BM_OpenProject)->Iterations(1);
 BENCHMARK(BM_PaletteStep)->Iterations(1);
 BENCHMARK(BM_MenuOpen)->Iterations(1);
 BENCHMARK(BM_StrokeEnd)->Iterations(1);
