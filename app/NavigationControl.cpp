@@ -238,6 +238,7 @@ bool NavigationControl::showThumbnail(const Tape* shown)
     picture->setPicture(copy.get());
     pictureIsPage = true;
     pictureType = -1;
+    scaledPage = 0;
     return true;
 }
 
@@ -250,6 +251,11 @@ void NavigationControl::updatePicture(const Tape* shown)
     bool atTape = shown && shownPosition == shown->getPosition() && isStopped(*shown) && shown->hasSpriteSystem();
     if (atTape && shown->getCount() > 0) {
         KImage& page = shown->getSpriteSystem()->getPageImage();
+        const KGraphicDevice& pageDevice = page.getDevice();
+        if (pictureIsPage && scaledPage == pageDevice.getSerial() && scaledPageChanges == pageDevice.getChangeCount())
+            return;
+        scaledPage = pageDevice.getSerial();
+        scaledPageChanges = pageDevice.getChangeCount();
         KGraphicSize size = page.getSize();
         KAlphaImagePtr thumbnail(new KAlphaImage(KGraphicSize(kPictureWidth, kPictureHeight)));
         if (size.width > 0 && size.height > 0) {

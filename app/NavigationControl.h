@@ -146,6 +146,10 @@ private:
     int32_t barCount = -1;
     bool pictureIsPage = false;
     int32_t pictureType = -1;
+    // The page the picture was scaled from, and how often it had changed
+    // then: an unchanged page is not scaled again.
+    uint64_t scaledPage = 0;
+    uint32_t scaledPageChanges = 0;
 };
 
 using NavigationControlPtr = KPtr<NavigationControl>;

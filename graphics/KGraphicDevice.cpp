@@ -11,12 +11,16 @@
 #include "kernel/KClass.h"
 
 #include <algorithm>
+#include <atomic>
 
 K_DEFINE_CLASS(KGraphicDevice, KThing)
 
 namespace {
 
 int32_t gLiveDevices = 0;
+// Devices are numbered once for the whole run, so that a cache can tell a
+// new device from a dead one that happened to live at the same address.
+std::atomic<uint64_t> gDeviceSerials { 0 };
 
 // The colours of the three-dimensional edges, as the desktop's classic
 // theme draws them; the light tone is the button face of the theme.
@@ -53,10 +57,15 @@ bool sameSize(const KWideRectangle& a, const KWideRectangle& b) { return a.width
 
 } // namespace
 
-KGraphicDevice::KGraphicDevice() { ++gLiveDevices; }
+KGraphicDevice::KGraphicDevice()
+    : serial(++gDeviceSerials)
+{
+    ++gLiveDevices;
+}
 
 KGraphicDevice::KGraphicDevice(int32_t owner)
     : owner(owner)
+    , serial(++gDeviceSerials)
 {
     ++gLiveDevices;
 }

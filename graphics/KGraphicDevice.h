@@ -54,6 +54,8 @@ public:
     // Counts every change of the pixels, so that derived data can tell when
     // it is stale.
     uint32_t getChangeCount() const { return changeCount; }
+    // Unique for the run: no two devices ever share it.
+    uint64_t getSerial() const { return serial; }
 
     int32_t getOwner() const { return owner; }
     void setOwner(int32_t value) { owner = value; }
@@ -225,4 +227,5 @@ private:
     KClipRectangles clipRects;
     KGraphicPoint penPosition;
     uint32_t changeCount = 0;
+    uint64_t serial = 0;
 };
