@@ -5,6 +5,7 @@
 
 #include <cairo.h>
 #include <cmath>
+#include <fontconfig/fontconfig.h>
 #include <glib.h>
 #include <pango/pangocairo.h>
 #include <vector>
@@ -182,4 +183,29 @@ std::string kGraphicsTextToUtf8(const KString& text)
     std::string result(converted, written);
     g_free(converted);
     return result;
+}
+
+KFontFile kFontFileFor(const std::string& familyUtf8, int32_t face)
+{
+    FcPattern* wanted = FcPatternCreate();
+    FcPatternAddString(wanted, FC_FAMILY,
+                       reinterpret_cast<const FcChar8*>(familyUtf8.empty() ? "Sans" : familyUtf8.c_str()));
+    FcPatternAddInteger(wanted, FC_WEIGHT, (face & KFont::Bold) ? FC_WEIGHT_BOLD : FC_WEIGHT_REGULAR);
+    FcPatternAddInteger(wanted, FC_SLANT, (face & KFont::Italic) ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);
+    FcConfigSubstitute(nullptr, wanted, FcMatchPattern);
+    FcDefaultSubstitute(wanted);
+    FcResult result = FcResultNoMatch;
+    FcPattern* found = FcFontMatch(nullptr, wanted, &result);
+    FcPatternDestroy(wanted);
+    KFontFile file;
+    if (!found)
+        return file;
+    FcChar8* path = nullptr;
+    FcChar8* family = nullptr;
+    if (FcPatternGetString(found, FC_FILE, 0, &path) == FcResultMatch && path)
+        file.path = reinterpret_cast<const char*>(path);
+    if (FcPatternGetString(found, FC_FAMILY, 0, &family) == FcResultMatch && family)
+        file.family = reinterpret_cast<const char*>(family);
+    FcPatternDestroy(found);
+    return file;
 }

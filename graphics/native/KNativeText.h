@@ -16,6 +16,13 @@ KNativeFont* kCreateNativeFont(const std::string& familyUtf8, double points, int
 // metric twin), rather than the fallback every unknown name gets.
 bool kFontFamilyResolves(const std::string& familyUtf8);
 void kDisposeNativeFont(KNativeFont* font);
+// The file of the font that fontconfig draws the family in with the face's
+// weight and slant, and the family's name there; empty when none is found.
+struct KFontFile {
+    std::string path;
+    std::string family;
+};
+KFontFile kFontFileFor(const std::string& familyUtf8, int32_t face);
 
 // A layout of the text in the font, on the context; styles of `face` that
 // pango draws as attributes (underline) are applied here. The caller unrefs.

@@ -219,7 +219,7 @@ TEST(RenderSize, LongerSideTakesTheSizeAndTheOtherFollows)
 TEST_F(ProjectCommands, RenderExitCodes)
 {
     const std::string usage
-        = "usage: taleloom-tool render PROJECT.TPD [--position N] [--size N] [--lit E:S:L] -o PAGE.png\n";
+        = "usage: taleloom-tool render PROJECT.TPD [--position N] [--size N] [--lit E:S:L] [--no-texts] -o PAGE.png\n";
     std::string out = folder.file("out.png");
     for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>> {
              { "render" },

@@ -6,6 +6,7 @@
 #include "kernel/KTextCodec.h"
 #include "project/StylusProject.h"
 #include "tape/StylusText.h"
+#include "tools/taleloom-tool/TextsLeftOut.h"
 #include "tools/taleloom-tool/ToolMessages.h"
 #include "tools/taleloom-tool/ToolProject.h"
 
@@ -23,6 +24,7 @@ struct RenderRequest {
     int32_t size = 0;
     RenderMark mark;
     bool marked = false;
+    bool withoutTexts = false;
 };
 
 // Digits only, and no larger than `largest`.
@@ -65,6 +67,8 @@ bool parseRequest(const std::vector<std::string>& arguments, RenderRequest& requ
             request.marked = true;
             if (!parseRenderMark(arguments[++i], request.mark))
                 return false;
+        } else if (argument == "--no-texts" && !request.withoutTexts) {
+            request.withoutTexts = true;
         } else if (argument == "-o" && hasValue && request.output.empty()) {
             request.output = arguments[++i];
         } else if (request.project.empty() && !argument.empty() && argument[0] != '-') {
@@ -103,14 +107,19 @@ void drawMark(Tape& tape, TapePage& page, const RenderMark& mark)
 
 // The page at the position, with the actors that stand there over it.
 bool drawPage(StylusProject& project, const std::string& path, int32_t position, KImage& picture,
-              std::vector<std::string>& warnings, const RenderMark* mark)
+              std::vector<std::string>& warnings, const RenderMark* mark, bool withoutTexts)
 {
     Tape& tape = *project.getTape();
     KPtr<SceneTapePage> page = makePageFor(tape, project, path, warnings);
     tape.setSpriteSystem(*page);
     tape.getPageCache().setEnabled(false);
     tape.setPositionQuietly(position < 0 ? tape.getCount() : std::min(position, tape.getCount()));
-    tape.rebuildPage();
+    if (withoutTexts) {
+        TextsLeftOut texts(tape);
+        tape.rebuildPage();
+    } else {
+        tape.rebuildPage();
+    }
     if (mark)
         drawMark(tape, *page, *mark);
     page->composeInto(picture);
@@ -126,7 +135,7 @@ int runRender(const std::vector<std::string>& arguments, std::ostream&, std::ost
     std::string reason;
     std::vector<std::string> warnings;
     bool done = renderProjectPage(request.project, request.position, request.output, reason, warnings, request.size,
-                                  request.marked ? &request.mark : nullptr);
+                                  request.marked ? &request.mark : nullptr, request.withoutTexts);
     for (const std::string& warning : warnings)
         err << "taleloom-tool: warning: " << warning << '\n';
     if (!done)
@@ -138,7 +147,7 @@ int runRender(const std::vector<std::string>& arguments, std::ostream&, std::ost
 
 ToolCommand renderCommand()
 {
-    return { "render", "PROJECT.TPD [--position N] [--size N] [--lit E:S:L] -o PAGE.png", &runRender };
+    return { "render", "PROJECT.TPD [--position N] [--size N] [--lit E:S:L] [--no-texts] -o PAGE.png", &runRender };
 }
 
 bool parseRenderMark(const std::string& text, RenderMark& mark)
@@ -170,7 +179,8 @@ KGraphicSize scaledPageSize(const KGraphicSize& page, int32_t longerSide)
 }
 
 bool renderProjectPage(const std::string& path, int32_t position, const std::string& pngPath, std::string& reason,
-                       std::vector<std::string>& warnings, int32_t longerSide, const RenderMark* mark)
+                       std::vector<std::string>& warnings, int32_t longerSide, const RenderMark* mark,
+                       bool withoutTexts)
 {
     StylusProjectPtr project(new StylusProject());
     if (!loadToolProject(path, *project, reason, warnings))
@@ -181,7 +191,7 @@ bool renderProjectPage(const std::string& path, int32_t position, const std::str
         return false;
     }
     KImagePtr picture(new KImage());
-    if (!drawPage(*project, path, position, *picture, warnings, mark)) {
+    if (!drawPage(*project, path, position, *picture, warnings, mark, withoutTexts)) {
         reason = path + ": the page could not be drawn";
         return false;
     }

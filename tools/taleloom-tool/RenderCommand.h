@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-// taleloom-tool render PROJECT.TPD [--position N] [--size N] [--lit E:S:L] -o PAGE.png
+// taleloom-tool render PROJECT.TPD [--position N] [--size N] [--lit E:S:L] [--no-texts] -o PAGE.png
 //
 // Writes the page as it stands at position N (the number of elements that
 // have run; the end when not given, and cut to the end like the tape's own
@@ -14,7 +14,9 @@
 // With --size the picture is scaled so that its longer side is N pixels,
 // keeping its shape: what file managers ask of a thumbnailer. With --lit
 // the text element at index E is drawn over the page with L characters
-// from S marked, as a word is lit while it is read aloud. Needs no display.
+// from S marked, as a word is lit while it is read aloud. With --no-texts
+// the texts are left out, for a book that sets them as words of its own.
+// Needs no display.
 ToolCommand renderCommand();
 
 // A range of a text element's characters to show lit.
@@ -40,4 +42,5 @@ KGraphicSize scaledPageSize(const KGraphicSize& page, int32_t longerSide);
 // be read, the marked element is not a text, or the picture cannot be
 // written.
 bool renderProjectPage(const std::string& path, int32_t position, const std::string& pngPath, std::string& reason,
-                       std::vector<std::string>& warnings, int32_t longerSide = 0, const RenderMark* mark = nullptr);
+                       std::vector<std::string>& warnings, int32_t longerSide = 0, const RenderMark* mark = nullptr,
+                       bool withoutTexts = false);

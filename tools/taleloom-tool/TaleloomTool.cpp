@@ -5,6 +5,7 @@
 #include "kernel/KKernelClasses.h"
 #include "tools/taleloom-tool/ConvertCommand.h"
 #include "tools/taleloom-tool/DumpCommand.h"
+#include "tools/taleloom-tool/ExportEpubCommand.h"
 #include "tools/taleloom-tool/InfoCommand.h"
 #include "tools/taleloom-tool/PaletteCommand.h"
 #include "tools/taleloom-tool/PreviewsCommand.h"
@@ -22,9 +23,9 @@ namespace {
 
 // The commands, in the order the usage lists them.
 const ToolCommand kCommands[] = {
-    dumpCommand(),    infoCommand(),      renderCommand(),  traceCommand(),   voicesCommand(),
-    speakCommand(),   playCommand(),      recordCommand(),  paletteCommand(), previewsCommand(),
-    publishCommand(), printBookCommand(), convertCommand(),
+    dumpCommand(),    infoCommand(),      renderCommand(),  traceCommand(),      voicesCommand(),
+    speakCommand(),   playCommand(),      recordCommand(),  paletteCommand(),    previewsCommand(),
+    publishCommand(), printBookCommand(), convertCommand(), exportEpubCommand(),
 };
 
 int generalUsage(std::ostream& err)

@@ -12,6 +12,7 @@
 #include "project/StylusProject.h"
 #include "tape/Tape.h"
 #include "tape/TapeHost.h"
+#include "tape/WaitObject.h"
 #include "tools/taleloom-tool/ToolProject.h"
 #include "tools/taleloom-tool/TraceMedia.h"
 #include "windowing/KNativeLayer.h"
@@ -230,9 +231,34 @@ struct TraceRun {
     TraceMedia& media;
     TraceClock& clock;
     TraceResult& result;
+    SceneTapePage& page;
+    const TraceOptions& options;
     uint32_t zero = 0;
     int32_t interval = Tape::kDefaultPlayInterval;
+    // When the wait that plays now began listening for the user, or -1.
+    int32_t listeningSince = -1;
 };
+
+// An export cannot wait for a child: a wait for the user is answered after
+// the time the options give, as if clicked.
+void answerWaits(TraceRun& run, int32_t nowMs)
+{
+    if (run.options.answerWaitsAfterMs < 0)
+        return;
+    auto* wait = dynamic_cast<WaitObject*>(run.tape.getPlayingObject());
+    if (!wait || wait->getPhase() != WaitObject::User) {
+        run.listeningSince = -1;
+        return;
+    }
+    if (run.listeningSince < 0)
+        run.listeningSince = nowMs;
+    if (nowMs - run.listeningSince < run.options.answerWaitsAfterMs)
+        return;
+    TraceInput click;
+    click.timeMs = nowMs;
+    run.result.inputs.push_back(click);
+    run.listeningSince = -1;
+}
 
 // Input due by now goes to the tape as the main window gives it: keys the
 // element does not take may stop the play; a click's button goes down
@@ -280,6 +306,7 @@ bool traceTick(TraceRun& run, ElementLog& log, int32_t nowMs)
         if (waiting && run.tape.isPlaying() && run.tape.getPlayingObject() != waiting)
             log.ended(waiting, nowMs);
     };
+    answerWaits(run, nowMs);
     TapeObject* waiting = run.tape.getPlayingObject();
     bool pressed = deliverInputs(run, nowMs);
     noteAnswer(waiting);
@@ -305,6 +332,8 @@ bool traceTick(TraceRun& run, ElementLog& log, int32_t nowMs)
         noteAnswer(waiting);
     }
     run.result.endMs = nowMs;
+    if (run.options.observer)
+        run.options.observer->ticked(run.tape, run.page, nowMs);
     // A looping story is traced once through.
     if (run.tape.isPlaying() && run.tape.isLooping() && run.tape.getPlayIndex() < index) {
         run.tape.stopPlaying();
@@ -322,6 +351,8 @@ void playTraced(TraceRun& run, int32_t limitMs)
     ElementLog log(run.result);
     run.tape.startPlaying(0);
     run.zero = run.clock.now() + uint32_t(run.interval);
+    if (TraceAudioLog* log = run.options.audioLog)
+        log->setZero(run.zero);
     run.result.tickMs = run.interval;
     if (!run.tape.isPlaying()) {
         run.result.finished = true;
@@ -430,10 +461,19 @@ bool parseTraceInput(const std::string& text, TraceInput& input)
 bool traceStory(const std::string& path, const std::vector<TraceInput>& inputs, int32_t limitMs, TraceResult& result,
                 std::string& reason, std::vector<std::string>& warnings)
 {
+    TraceOptions options;
+    options.inputs = inputs;
+    options.limitMs = limitMs;
+    return traceStory(path, options, result, reason, warnings);
+}
+
+bool traceStory(const std::string& path, const TraceOptions& options, TraceResult& result, std::string& reason,
+                std::vector<std::string>& warnings)
+{
     // Nothing is heard: the players only tell the lengths.
     setenv("TALELOOM_AUDIO", "null", 1);
     result = TraceResult();
-    result.inputs = inputs;
+    result.inputs = options.inputs;
     TraceClock clock;
     TraceHost host(result, warnings, path);
     TraceMedia media;
@@ -442,13 +482,18 @@ bool traceStory(const std::string& path, const std::vector<TraceInput>& inputs, 
         return false;
     Tape& tape = *project->getTape();
     host.tape = &tape;
-    KPtr<SceneTapePage> page(new SceneTapePage(tape.getPageSize()));
+    // Without pictures the play draws on a page of one pixel: the times are
+    // the same, the drawing is next to nothing.
+    KGraphicSize pageSize = options.withoutPictures ? KGraphicSize(1, 1) : tape.getPageSize();
+    KPtr<SceneTapePage> page(new SceneTapePage(pageSize));
     if (KDirectory* actors = project->getActorsDirectory())
         loadTapeActors(tape, *actors);
     tape.setSpriteSystem(*page);
-    TraceRun run { tape, host, media, clock, result };
+    TraceRun run { tape, host, media, clock, result, *page, options };
     run.interval = std::max(1, tape.getPlayInterval());
-    playTraced(run, limitMs);
+    playTraced(run, options.limitMs);
+    if (options.audioLog)
+        options.audioLog->closeAll(result.endMs);
     tape.clearSpriteSystem();
     return true;
 }

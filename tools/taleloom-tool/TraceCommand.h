@@ -68,6 +68,33 @@ struct TraceResult {
 
 constexpr int32_t kDefaultTraceLimitMs = 600000;
 
+class SceneTapePage;
+class Tape;
+
+// Told of every tick of a traced play, after the tape's step: an export
+// takes its pictures there.
+class TraceObserver {
+public:
+    virtual ~TraceObserver() = default;
+    virtual void ticked(Tape& tape, SceneTapePage& page, int32_t nowMs) = 0;
+};
+
+struct TraceOptions {
+    std::vector<TraceInput> inputs;
+    int32_t limitMs = kDefaultTraceLimitMs;
+    // A wait for the user is answered with a click this long after it
+    // began listening; -1 leaves it to the inputs.
+    int32_t answerWaitsAfterMs = -1;
+    TraceObserver* observer = nullptr;
+    // Nobody looks at the page: the play need not draw it.
+    bool withoutPictures = false;
+    // Where what was heard is logged, or null.
+    class TraceAudioLog* audioLog = nullptr;
+};
+
+bool traceStory(const std::string& path, const TraceOptions& options, TraceResult& result, std::string& reason,
+                std::vector<std::string>& warnings);
+
 // Traces the story in `path`. False with a one-line `reason` when it cannot
 // be read.
 bool traceStory(const std::string& path, const std::vector<TraceInput>& inputs, int32_t limitMs, TraceResult& result,

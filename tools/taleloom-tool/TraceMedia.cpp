@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -13,6 +14,8 @@
 #include <unistd.h>
 
 namespace {
+
+TraceAudioLog* gAudioLog = nullptr;
 
 double secondsSince(uint32_t start) { return double(std::max(0, kTimeDifference(knsGetTime(), start))) / 1000.0; }
 
@@ -43,7 +46,11 @@ public:
         , path(std::move(path))
     {
     }
-    ~TraceSpeech() override { std::remove(path.c_str()); }
+    ~TraceSpeech() override
+    {
+        closeClip();
+        std::remove(path.c_str());
+    }
 
     bool open(const char*) override { return real && real->open(path.c_str()); }
     bool speak(const KSpeechRequest& request) override
@@ -66,6 +73,9 @@ public:
         heardMs = 0;
         speaking = true;
         paused = false;
+        if (TraceAudioLog* log = TraceAudioLog::current())
+            keptPath = log->keep(path);
+        openClip();
         return true;
     }
     void pause() override
@@ -74,6 +84,7 @@ public:
             return;
         heardMs = positionMs();
         paused = true;
+        closeClip();
     }
     void resume() override
     {
@@ -81,13 +92,24 @@ public:
             return;
         startedAt = knsGetTime();
         paused = false;
+        openClip();
     }
     void cancel() override
     {
+        closeClip();
         speaking = false;
         words.clear();
     }
-    void setVolume(double) override { }
+    void setVolume(double value) override
+    {
+        if (value == volume)
+            return;
+        volume = value;
+        if (clip >= 0) {
+            closeClip();
+            openClip();
+        }
+    }
     int32_t positionMs() const override
     {
         if (!speaking)
@@ -105,8 +127,24 @@ public:
     bool isDone() const override { return !speaking || positionMs() >= lengthMs; }
 
 private:
+    void openClip()
+    {
+        TraceAudioLog* log = TraceAudioLog::current();
+        if (log && !keptPath.empty() && clip < 0)
+            clip = log->start(keptPath, positionMs(), volume, 0.0);
+    }
+    void closeClip()
+    {
+        if (TraceAudioLog* log = TraceAudioLog::current(); log && clip >= 0)
+            log->stop(clip);
+        clip = -1;
+    }
+
     std::unique_ptr<KSpeechNative> real;
     std::string path;
+    std::string keptPath;
+    double volume = 1.0;
+    int32_t clip = -1;
     std::vector<KSpeechRawWord> words;
     int32_t lengthMs = 0;
     int32_t heardMs = 0;
@@ -132,7 +170,9 @@ bool TraceSoundPlayer::open(const char* path, const char*)
     }
     length = std::max(0.0, real->duration());
     offset = 0.0;
+    closeClip();
     playing = false;
+    this->path = path;
     return true;
 }
 
@@ -142,6 +182,7 @@ void TraceSoundPlayer::start()
         return;
     startedAt = knsGetTime();
     playing = true;
+    openClip();
 }
 
 void TraceSoundPlayer::pause()
@@ -150,12 +191,57 @@ void TraceSoundPlayer::pause()
         return;
     offset = position();
     playing = false;
+    closeClip();
 }
 
 void TraceSoundPlayer::seek(double seconds)
 {
+    closeClip();
     offset = std::clamp(seconds, 0.0, length);
     startedAt = knsGetTime();
+    if (playing)
+        openClip();
+}
+
+void TraceSoundPlayer::setVolume(double value)
+{
+    if (value != volume) {
+        volume = value;
+        restartClip();
+    }
+}
+
+void TraceSoundPlayer::setBalance(double value)
+{
+    if (value != balance) {
+        balance = value;
+        restartClip();
+    }
+}
+
+// A change of level goes on from where the sound is, as a clip of its own.
+void TraceSoundPlayer::restartClip()
+{
+    if (clip < 0)
+        return;
+    offset = position();
+    startedAt = knsGetTime();
+    closeClip();
+    openClip();
+}
+
+void TraceSoundPlayer::openClip()
+{
+    TraceAudioLog* log = TraceAudioLog::current();
+    if (log && clip < 0 && !path.empty())
+        clip = log->start(path, int32_t(std::lround(position() * 1000.0)), volume, balance);
+}
+
+void TraceSoundPlayer::closeClip()
+{
+    if (TraceAudioLog* log = TraceAudioLog::current(); log && clip >= 0)
+        log->stop(clip);
+    clip = -1;
 }
 
 double TraceSoundPlayer::position() const
@@ -197,3 +283,47 @@ KSpeechNative* TraceSpeechEngine::createSpeech()
 }
 
 void TraceSpeechEngine::shutdown() { knsSpeechEngine().shutdown(); }
+
+// --- The log of what was heard ------------------------------------------------------
+
+TraceAudioLog::TraceAudioLog(std::string folder)
+    : folder(std::move(folder))
+    , previous(gAudioLog)
+{
+    gAudioLog = this;
+}
+
+TraceAudioLog::~TraceAudioLog() { gAudioLog = previous; }
+
+TraceAudioLog* TraceAudioLog::current() { return gAudioLog; }
+
+int32_t TraceAudioLog::nowMs() const { return std::max(0, kTimeDifference(knsGetTime(), zero)); }
+
+int32_t TraceAudioLog::start(const std::string& path, int32_t offsetMs, double volume, double balance)
+{
+    clips.push_back({ path, nowMs(), -1, std::max(0, offsetMs), volume, balance });
+    return int32_t(clips.size()) - 1;
+}
+
+void TraceAudioLog::stop(int32_t clip)
+{
+    if (clip < 0 || clip >= int32_t(clips.size()) || clips[size_t(clip)].endMs >= 0)
+        return;
+    clips[size_t(clip)].endMs = std::max(clips[size_t(clip)].startMs, nowMs());
+}
+
+std::string TraceAudioLog::keep(const std::string& path)
+{
+    std::string copy = folder + "/heard-" + std::to_string(++kept) + ".wav";
+    std::error_code failed;
+    std::filesystem::copy_file(path, copy, std::filesystem::copy_options::overwrite_existing, failed);
+    return failed ? std::string() : copy;
+}
+
+void TraceAudioLog::closeAll(int32_t endMs)
+{
+    for (TraceAudioClip& clip : clips) {
+        if (clip.endMs < 0)
+            clip.endMs = std::max(clip.startMs, endMs);
+    }
+}

@@ -15,9 +15,56 @@
 // is made by the platform's engine into a file first, which gives its words
 // and its length. Neither is heard.
 
+// What was heard when, for an export that puts the sound of a traced play
+// on a timeline. A clip is a stretch of one file heard from `offsetMs`
+// into it, from `startMs` to `endMs` of story time.
+struct TraceAudioClip {
+    std::string path;
+    int32_t startMs = 0;
+    // -1 while it still plays; a clip never outlasts its file.
+    int32_t endMs = -1;
+    int32_t offsetMs = 0;
+    double volume = 1.0;
+    // -1 left to 1 right.
+    double balance = 0.0;
+};
+
+class TraceAudioLog {
+public:
+    // Speech files are kept in `folder`, which must outlive the log's use.
+    explicit TraceAudioLog(std::string folder);
+    ~TraceAudioLog();
+    TraceAudioLog(const TraceAudioLog&) = delete;
+    TraceAudioLog& operator=(const TraceAudioLog&) = delete;
+
+    // The log the players write into, or null.
+    static TraceAudioLog* current();
+    // Story time 0 on the clock.
+    void setZero(uint32_t clockTime) { zero = clockTime; }
+    int32_t nowMs() const;
+
+    // Returns the clip's number for `stop`.
+    int32_t start(const std::string& path, int32_t offsetMs, double volume, double balance);
+    void stop(int32_t clip);
+    // A copy of a file the player is about to throw away, kept for the log.
+    std::string keep(const std::string& path);
+
+    const std::vector<TraceAudioClip>& getClips() const { return clips; }
+    // Clips still playing end at `endMs`.
+    void closeAll(int32_t endMs);
+
+private:
+    std::string folder;
+    std::vector<TraceAudioClip> clips;
+    uint32_t zero = 0;
+    int32_t kept = 0;
+    TraceAudioLog* previous = nullptr;
+};
+
 class TraceSoundPlayer final : public KSoundNative {
 public:
     TraceSoundPlayer() = default;
+    ~TraceSoundPlayer() override { closeClip(); }
 
     bool open(const char* path, const char* renderPath) override;
     void start() override;
@@ -30,8 +77,8 @@ public:
         seconds = position();
         return playing;
     }
-    void setVolume(double) override { }
-    void setBalance(double) override { }
+    void setVolume(double value) override;
+    void setBalance(double value) override;
     void update() override { }
     bool isAtEnd() const override { return position() >= length; }
     bool hasFailed() const override { return false; }
@@ -42,6 +89,14 @@ public:
     static void uninstall();
 
 private:
+    void openClip();
+    void closeClip();
+    void restartClip();
+
+    std::string path;
+    double volume = 1.0;
+    double balance = 0.0;
+    int32_t clip = -1;
     double length = 0.0;
     double offset = 0.0;
     uint32_t startedAt = 0;
