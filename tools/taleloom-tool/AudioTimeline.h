@@ -16,6 +16,9 @@ public:
 
     explicit AudioTimeline(std::vector<TraceAudioClip> clips);
 
+    // The clips as a play still going on has logged them so far.
+    void setClips(const std::vector<TraceAudioClip>& heard) { clips = heard; }
+
     // Whether something is heard between the two story times.
     bool isHeardIn(int32_t beginMs, int32_t endMs);
     // The sound from `beginMs` to `endMs` of story time. Files that cannot

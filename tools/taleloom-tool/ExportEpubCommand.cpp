@@ -13,6 +13,7 @@
 #include "tools/taleloom-tool/AudioTimeline.h"
 #include "tools/taleloom-tool/EpubPackage.h"
 #include "tools/taleloom-tool/EpubText.h"
+#include "tools/taleloom-tool/ExportFiles.h"
 #include "tools/taleloom-tool/TextsLeftOut.h"
 #include "tools/taleloom-tool/ToolProject.h"
 #include "tools/taleloom-tool/TraceMedia.h"
@@ -22,7 +23,6 @@
 #include <ctime>
 #include <filesystem>
 #include <ostream>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -30,27 +30,6 @@ namespace {
 
 constexpr const char* kActiveClass = "taleloom-lit";
 constexpr const char* kPageId = "page";
-
-// A folder of its own for the book's parts, gone with the object.
-class StagingFolder {
-public:
-    StagingFolder()
-    {
-        std::string pattern = (fs::temp_directory_path() / "taleloom-epub-XXXXXX").string();
-        if (mkdtemp(pattern.data()))
-            path = pattern;
-    }
-    ~StagingFolder()
-    {
-        std::error_code ignored;
-        if (!path.empty())
-            fs::remove_all(path, ignored);
-    }
-    StagingFolder(const StagingFolder&) = delete;
-    StagingFolder& operator=(const StagingFolder&) = delete;
-
-    std::string path;
-};
 
 std::string pageName(size_t page) { return "page-" + std::to_string(page + 1); }
 
@@ -285,8 +264,8 @@ bool writeBook(const EpubPackage& package, const EpubPackage::Metadata& metadata
     return true;
 }
 
-// The media the story names that are not in its folder: their elements
-// pass without being seen or heard.
+} // namespace
+
 void warnMissingMedia(StylusProject& project, const std::string& story, std::vector<std::string>& warnings)
 {
     Tape& tape = *project.getTape();
@@ -308,6 +287,8 @@ void warnMissingMedia(StylusProject& project, const std::string& story, std::vec
             warnings.push_back(story + ": " + utf8(*name) + " is missing: it is left out of the book");
     }
 }
+
+namespace {
 
 struct ExportRequest {
     std::string story;
@@ -367,14 +348,10 @@ bool exportEpub(const std::string& story, const std::string& target, EpubExportR
                 std::vector<std::string>& warnings, const ExportProgress& progress)
 {
     report = EpubExportReport();
-    // Told before the work rather than after it.
-    fs::path folder = fs::path(target).parent_path();
-    std::error_code failed;
-    if (!fs::is_directory(folder.empty() ? fs::path(".") : folder, failed) || fs::is_directory(target, failed)) {
-        reason = target + ": cannot be written: no such folder";
+    if (!exportTargetUsable(target, reason))
         return false;
-    }
-    StagingFolder staging;
+    ExportFolder staging("taleloom-epub");
+    std::error_code failed;
     if (staging.path.empty() || !fs::create_directory(staging.path + "/heard", failed)) {
         reason = "no room for the book's parts in the temporary folder";
         return false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "project/ProjectForward.h"
 #include "tools/taleloom-tool/StoryPages.h"
 #include "tools/taleloom-tool/ToolCommand.h"
 
@@ -37,6 +38,10 @@ using ExportProgress = std::function<bool(int32_t done, int32_t total)>;
 // False with a one-line reason; what was left out goes into `warnings`.
 bool exportEpub(const std::string& story, const std::string& target, EpubExportReport& report, std::string& reason,
                 std::vector<std::string>& warnings, const ExportProgress& progress = {});
+
+// Names each medium the story uses that is not in its folder: its element
+// passes without being seen or heard.
+void warnMissingMedia(StylusProject& project, const std::string& story, std::vector<std::string>& warnings);
 
 // The language of the book: the interface's, as the environment gives it
 // ("fr" for fr_FR.UTF-8), "en" when it gives none.

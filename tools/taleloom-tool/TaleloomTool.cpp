@@ -6,6 +6,7 @@
 #include "tools/taleloom-tool/ConvertCommand.h"
 #include "tools/taleloom-tool/DumpCommand.h"
 #include "tools/taleloom-tool/ExportEpubCommand.h"
+#include "tools/taleloom-tool/ExportVideoCommand.h"
 #include "tools/taleloom-tool/InfoCommand.h"
 #include "tools/taleloom-tool/PaletteCommand.h"
 #include "tools/taleloom-tool/PreviewsCommand.h"
@@ -25,7 +26,7 @@ namespace {
 const ToolCommand kCommands[] = {
     dumpCommand(),    infoCommand(),      renderCommand(),  traceCommand(),      voicesCommand(),
     speakCommand(),   playCommand(),      recordCommand(),  paletteCommand(),    previewsCommand(),
-    publishCommand(), printBookCommand(), convertCommand(), exportEpubCommand(),
+    publishCommand(), printBookCommand(), convertCommand(), exportEpubCommand(), exportVideoCommand(),
 };
 
 int generalUsage(std::ostream& err)

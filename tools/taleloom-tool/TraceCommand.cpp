@@ -332,8 +332,10 @@ bool traceTick(TraceRun& run, ElementLog& log, int32_t nowMs)
         noteAnswer(waiting);
     }
     run.result.endMs = nowMs;
-    if (run.options.observer)
-        run.options.observer->ticked(run.tape, run.page, nowMs);
+    if (run.options.observer && !run.options.observer->ticked(run.tape, run.page, nowMs)) {
+        run.tape.stopPlaying();
+        return false;
+    }
     // A looping story is traced once through.
     if (run.tape.isPlaying() && run.tape.isLooping() && run.tape.getPlayIndex() < index) {
         run.tape.stopPlaying();

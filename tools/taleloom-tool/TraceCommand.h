@@ -76,7 +76,8 @@ class Tape;
 class TraceObserver {
 public:
     virtual ~TraceObserver() = default;
-    virtual void ticked(Tape& tape, SceneTapePage& page, int32_t nowMs) = 0;
+    // False ends the play.
+    virtual bool ticked(Tape& tape, SceneTapePage& page, int32_t nowMs) = 0;
 };
 
 struct TraceOptions {
