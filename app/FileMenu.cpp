@@ -1,5 +1,6 @@
 #include "app/FileMenu.h"
 
+#include "app/StoryExport.h"
 #include "app/StylusActions.h"
 #include "app/StylusMenuRules.h"
 #include "app/ToolPalette.h"
@@ -22,6 +23,8 @@ FileMenu::FileMenu()
     addItem(SaveAs, withEllipsis(uiText("Save As")));
     addItem(SaveAsImage, withEllipsis(uiText("Save As Image")), '2');
     addItem(Publish, withEllipsis(uiText("Publish")));
+    addItem(ExportEpub, withEllipsis(uiText("Export as EPUB")));
+    addItem(ExportVideo, withEllipsis(uiText("Export as Video")));
     addSeparator();
     addItem(LoadColors, withEllipsis(uiText("Load Colors")));
     addItem(SaveColors, withEllipsis(uiText("Save Colors")));
@@ -65,6 +68,8 @@ KEventReturn FileMenu::doOpen(KMenuEvent&)
     enableItem(SaveAs, documentCommands);
     enableItem(SaveAsImage, documentCommands);
     enableItem(Publish, documentCommands && bool(hooks.publish));
+    enableItem(ExportEpub, documentCommands);
+    enableItem(ExportVideo, documentCommands);
     enableItem(PageSetup, documentCommands && bool(hooks.pageSetup));
     enableItem(Print, documentCommands && bool(hooks.print));
     enableItem(PrintBook, documentCommands && bool(hooks.printBook));
@@ -104,6 +109,12 @@ KEventReturn FileMenu::doMenuItem(KMenuEvent& event)
         break;
     case Publish:
         actions->doPublish();
+        break;
+    case ExportEpub:
+        StoryExport::run(StoryExport::Kind::Epub);
+        break;
+    case ExportVideo:
+        StoryExport::run(StoryExport::Kind::Video);
         break;
     case LoadColors:
         actions->doLoadColors();

@@ -24,6 +24,8 @@ public:
         PrintBook = 14,
         Quit = 15,
         ResetColors = 16,
+        ExportEpub = 17,
+        ExportVideo = 18,
     };
 
     FileMenu();

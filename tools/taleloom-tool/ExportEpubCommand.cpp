@@ -14,6 +14,7 @@
 #include "tools/taleloom-tool/EpubPackage.h"
 #include "tools/taleloom-tool/EpubText.h"
 #include "tools/taleloom-tool/ExportFiles.h"
+#include "tools/taleloom-tool/ExportProgress.h"
 #include "tools/taleloom-tool/TextsLeftOut.h"
 #include "tools/taleloom-tool/ToolProject.h"
 #include "tools/taleloom-tool/TraceMedia.h"
@@ -293,6 +294,7 @@ namespace {
 struct ExportRequest {
     std::string story;
     std::string output;
+    bool progress = false;
 };
 
 bool parseRequest(const std::vector<std::string>& arguments, ExportRequest& request)
@@ -301,6 +303,8 @@ bool parseRequest(const std::vector<std::string>& arguments, ExportRequest& requ
         const std::string& argument = arguments[i];
         if (argument == "-o" && i + 1 < arguments.size() && request.output.empty())
             request.output = arguments[++i];
+        else if (argument == "--progress")
+            request.progress = true;
         else if (request.story.empty() && !argument.empty() && argument[0] != '-')
             request.story = argument;
         else
@@ -317,7 +321,11 @@ int runExportEpub(const std::vector<std::string>& arguments, std::ostream& out, 
     EpubExportReport report;
     std::string reason;
     std::vector<std::string> warnings;
-    bool done = exportEpub(request.story, request.output, report, reason, warnings);
+    ExportProgressLines lines(out);
+    ExportProgress progress;
+    if (request.progress)
+        progress = [&lines](int32_t done, int32_t total) { return lines.report(done, total); };
+    bool done = exportEpub(request.story, request.output, report, reason, warnings, progress);
     for (const std::string& warning : warnings)
         err << "taleloom-tool: warning: " << warning << '\n';
     if (!done)
@@ -329,7 +337,7 @@ int runExportEpub(const std::vector<std::string>& arguments, std::ostream& out, 
 
 } // namespace
 
-ToolCommand exportEpubCommand() { return { "export-epub", "STORY.TPD -o BOOK.epub", &runExportEpub }; }
+ToolCommand exportEpubCommand() { return { "export-epub", "STORY.TPD -o BOOK.epub [--progress]", &runExportEpub }; }
 
 std::string epubLanguage()
 {

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-// taleloom-tool export-epub STORY.TPD -o BOOK.epub
+// taleloom-tool export-epub STORY.TPD -o BOOK.epub [--progress]
 //
 // Makes the story an EPUB 3 book of fixed pages whose words light up as
 // they are read: each page of the story becomes a page of the book with
@@ -18,7 +18,8 @@
 // stretch of the page's sound (the voice or the recording, the story's
 // sounds, its pauses as silence). The story plays for it without a display
 // and without sound on a clock moved by hand; a wait for the user is
-// answered at once, so that the reader turns the page there.
+// answered at once, so that the reader turns the page there. With
+// --progress a line "progress DONE TOTAL" follows each page.
 ToolCommand exportEpubCommand();
 
 struct EpubExportReport {

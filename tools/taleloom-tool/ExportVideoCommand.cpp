@@ -8,6 +8,7 @@
 #include "tools/taleloom-tool/AudioTimeline.h"
 #include "tools/taleloom-tool/ExportEpubCommand.h"
 #include "tools/taleloom-tool/ExportFiles.h"
+#include "tools/taleloom-tool/ExportProgress.h"
 #include "tools/taleloom-tool/ToolProject.h"
 #include "tools/taleloom-tool/TraceCommand.h"
 #include "tools/taleloom-tool/TraceMedia.h"
@@ -171,14 +172,15 @@ struct VideoRequest {
     std::string story;
     std::string output;
     VideoExportOptions options;
+    bool progress = false;
 };
 
 bool parseOption(const std::vector<std::string>& arguments, size_t& i, VideoRequest& request)
 {
     const std::string& argument = arguments[i];
     bool hasValue = i + 1 < arguments.size();
-    if (argument == "--webm") {
-        request.options.webm = true;
+    if (argument == "--webm" || argument == "--progress") {
+        (argument == "--webm" ? request.options.webm : request.progress) = true;
         return true;
     }
     if (!hasValue)
@@ -214,6 +216,19 @@ bool parseRequest(const std::vector<std::string>& arguments, VideoRequest& reque
     return !request.story.empty() && !request.output.empty();
 }
 
+// How long the story plays, waits held as the export holds them: a play
+// without pictures, which takes a fraction of the export's time.
+int32_t playLength(const std::string& story, const VideoExportOptions& options)
+{
+    TraceOptions trace;
+    trace.answerWaitsAfterMs = options.waitMs;
+    trace.withoutPictures = true;
+    TraceResult result;
+    std::string reason;
+    std::vector<std::string> warnings;
+    return traceStory(story, trace, result, reason, warnings) ? result.endMs : 0;
+}
+
 int runExportVideo(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err)
 {
     VideoRequest request;
@@ -222,7 +237,12 @@ int runExportVideo(const std::vector<std::string>& arguments, std::ostream& out,
     VideoExportReport report;
     std::string reason;
     std::vector<std::string> warnings;
-    bool done = exportVideo(request.story, request.output, request.options, report, reason, warnings);
+    ExportProgressLines lines(out);
+    VideoProgress progress;
+    int32_t total = request.progress ? playLength(request.story, request.options) : 0;
+    if (request.progress)
+        progress = [&lines, total](int32_t storyMs) { return lines.report(storyMs, total); };
+    bool done = exportVideo(request.story, request.output, request.options, report, reason, warnings, progress);
     for (const std::string& warning : warnings)
         err << "taleloom-tool: warning: " << warning << '\n';
     if (!done)
@@ -236,7 +256,8 @@ int runExportVideo(const std::vector<std::string>& arguments, std::ostream& out,
 
 ToolCommand exportVideoCommand()
 {
-    return { "export-video", "STORY.TPD -o STORY.mp4 [--size WxH] [--fps N] [--webm] [--wait-ms MS]", &runExportVideo };
+    return { "export-video", "STORY.TPD -o STORY.mp4 [--size WxH] [--fps N] [--webm] [--wait-ms MS] [--progress]",
+             &runExportVideo };
 }
 
 bool exportVideo(const std::string& story, const std::string& target, const VideoExportOptions& options,

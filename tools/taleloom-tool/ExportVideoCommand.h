@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-// taleloom-tool export-video STORY.TPD -o STORY.mp4 [--size WxH] [--fps N] [--webm] [--wait-ms MS]
+// taleloom-tool export-video STORY.TPD -o STORY.mp4 [--size WxH] [--fps N] [--webm] [--wait-ms MS] [--progress]
 //
 // Makes the story a video file that plays everywhere: the story plays on a
 // clock moved frame by frame rather than by the wall, so the export is the
@@ -15,7 +15,8 @@
 // player shows it at that time, with the lit words, and the sound is the
 // story's voices, recordings and sounds mixed at their places. A wait for
 // the user lasts --wait-ms (2000 by default). H.264 and AAC in MP4, or with
-// --webm VP9 and Opus in WebM.
+// --webm VP9 and Opus in WebM. With --progress, lines "progress MS TOTAL"
+// tell the story time reached.
 ToolCommand exportVideoCommand();
 
 struct VideoExportOptions {
