@@ -5,6 +5,7 @@
 #include "app/StylusWindow.h"
 #include "app/UiText.h"
 #include "graphics/KGraphicStateGuard.h"
+#include "graphics/KImageTransforms.h"
 #include "kernel/KClass.h"
 #include "kernel/KLocalizer.h"
 #include "tape/Tape.h"
@@ -242,6 +243,27 @@ bool NavigationControl::showThumbnail(const Tape* shown)
     return true;
 }
 
+// The page at the picture's size. Sampled rather than filtered over every
+// pixel: it is redone at each change of the page, and 64 by 48 pixels show
+// no difference.
+KAlphaImagePtr NavigationControl::scaledPicture(KImage& page)
+{
+    KGraphicSize size = page.getSize();
+    KAlphaImagePtr thumbnail(new KAlphaImage(KGraphicSize(kPictureWidth, kPictureHeight)));
+    if (size.width <= 0 || size.height <= 0)
+        return thumbnail;
+    KPixelBuffer from;
+    KPixelBuffer to;
+    if (page.getDevice().beginPixelAccess(from) && thumbnail->getDevice().beginPixelAccess(to)) {
+        KImageTransforms::sampledShrink(from, to);
+        thumbnail->getDevice().endPixelAccess(KWideRectangle(0, 0, to.width, to.height));
+        return thumbnail;
+    }
+    page.getDevice().copyTo(thumbnail->getDevice(), KGraphicRectangle(0, 0, size.width, size.height),
+                            KGraphicRectangle(0, 0, kPictureWidth, kPictureHeight));
+    return thumbnail;
+}
+
 // The page is only scaled, never built: at another position the kind of
 // the element stands for it.
 void NavigationControl::updatePicture(const Tape* shown)
@@ -256,13 +278,7 @@ void NavigationControl::updatePicture(const Tape* shown)
             return;
         scaledPage = pageDevice.getSerial();
         scaledPageChanges = pageDevice.getChangeCount();
-        KGraphicSize size = page.getSize();
-        KAlphaImagePtr thumbnail(new KAlphaImage(KGraphicSize(kPictureWidth, kPictureHeight)));
-        if (size.width > 0 && size.height > 0) {
-            page.getDevice().copyTo(thumbnail->getDevice(), KGraphicRectangle(0, 0, size.width, size.height),
-                                    KGraphicRectangle(0, 0, kPictureWidth, kPictureHeight));
-        }
-        picture->setPicture(thumbnail.get());
+        picture->setPicture(scaledPicture(page).get());
         pictureIsPage = true;
         pictureType = -1;
         return;
@@ -276,8 +292,10 @@ void NavigationControl::updatePicture(const Tape* shown)
         picture->setPicture(nullptr);
         return;
     }
-    KAlphaImagePtr kind
-        = ArtResources::loadMaskedPicture(int16_t(ArtResources::kTypeIconBase + type), ArtResources::kTypeIconMask);
+    KAlphaImagePtr& kind = kindPictures[type];
+    if (!kind)
+        kind
+            = ArtResources::loadMaskedPicture(int16_t(ArtResources::kTypeIconBase + type), ArtResources::kTypeIconMask);
     picture->setPicture(kind.get());
 }
 

@@ -10,6 +10,8 @@
 #include "windowing/KScrollBarNativeControl.h"
 #include "windowing/KStaticTextNativeControl.h"
 
+#include <map>
+
 // The navigation tool's one control: it walks along the tape without
 // moving it. The scroll bar, the back and forward buttons (stepping by the
 // filter's kind), the beginning and end buttons and the bookmark list only
@@ -118,6 +120,7 @@ private:
     void showPosition(int32_t p);
     void updateScrollBar(int32_t count);
     void updatePicture(const Tape* tape);
+    static KAlphaImagePtr scaledPicture(KImage& page);
     bool showThumbnail(const Tape* tape);
     void updateBookmarkLine(const Tape* tape);
     void updateParts();
@@ -137,6 +140,8 @@ private:
     KPtr<KStaticTextNativeControl> counter;
     TapeObjectMenuPtr filterMenu;
     KBagPtr bookmarks;
+    // The kinds' pictures read so far, by type: walking shows one per step.
+    std::map<int32_t, KAlphaImagePtr> kindPictures;
     KPtr<Tape> tape;
     // Which tape the list and the bar were made for; compared, never used.
     const Tape* followedTape = nullptr;

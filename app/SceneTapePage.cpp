@@ -55,7 +55,13 @@ KGraphicDevice& SceneTapePage::getPageDevice() { return getPageImage().getDevice
 
 KGraphicSize SceneTapePage::getPageSize() { return scene->getPageSize(); }
 
-void SceneTapePage::refresh(const KGraphicRectangle& changed) { scene->refresh(changed); }
+// Each refresh puts the page back under the sprites at once, which a
+// rebuild would do again for every element drawn.
+void SceneTapePage::refresh(const KGraphicRectangle& changed)
+{
+    if (!isRebuilding())
+        scene->refresh(changed);
+}
 
 void SceneTapePage::refreshSpriteLayer() { scene->redrawAll(); }
 

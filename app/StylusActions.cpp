@@ -283,15 +283,13 @@ bool StylusActions::openProject(const KFileReference& file)
     Tape* openedTape = opened->getTape();
     if (!openedTape || !fitsScreen(openedTape->getPageSize(), false))
         return false;
-    // The saved position, cut to the elements there are.
-    int32_t saved = openedTape->getPosition();
+    // The saved position, cut to the elements there are, is set before the
+    // tape is shown, so that showing it builds the page once.
+    openedTape->setPositionQuietly(std::min(openedTape->getPosition(), openedTape->getCount()));
     installProject(*opened);
-    openedTape->goToPosition(std::min(saved, openedTape->getCount()));
     openedTape->clearModified();
-    if (StylusWindow* shown = window()) {
-        shown->redrawPage(true);
+    if (StylusWindow* shown = window())
         shown->hideHighlight(true);
-    }
     rememberRecentFile(file);
     return true;
 }

@@ -587,8 +587,12 @@ void ToolPalette::setElementIndicator(int32_t entry)
         entry = 0;
     if (entry != elementIndicator) {
         elementIndicator = entry;
-        KAlphaImagePtr picture = ArtResources::loadMaskedPicture(int16_t(ArtResources::kIndicatorBase + entry),
-                                                                 ArtResources::kIndicatorMask);
+        indicatorPictures.resize(ArtResources::kIndicatorCount);
+        KAlphaImagePtr& picture = indicatorPictures[size_t(entry)];
+        if (!picture) {
+            picture = ArtResources::loadMaskedPicture(int16_t(ArtResources::kIndicatorBase + entry),
+                                                      ArtResources::kIndicatorMask);
+        }
         controls[ElementIndicator]->setPicture(picture.get());
     }
     refreshSteps();

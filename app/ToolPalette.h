@@ -221,6 +221,9 @@ private:
     int16_t brushSize = kDefaultBrushSize;
     int16_t dragStartSize = kDefaultBrushSize;
     int32_t elementIndicator = -1;
+    // The kind pictures read so far: each step along the tape may show
+    // another, and reading one from the art costs more than the step.
+    std::vector<KAlphaImagePtr> indicatorPictures;
     int32_t shownWindowMode = 0;
     int32_t paletteState = 0;
     double scale = 1.0;

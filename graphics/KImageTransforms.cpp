@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace KImageTransforms {
 
@@ -146,6 +147,62 @@ void thresholdMask(const KPixelBuffer& in, const KPixelBuffer& out, uint16_t thr
             bool white = channel(p, 16) * 257 >= threshold && channel(p, 8) * 257 >= threshold
                          && channel(p, 0) * 257 >= threshold;
             target[x] = white ? KPixelBuffer::kColourBits : 0;
+        }
+    }
+}
+
+namespace {
+
+// The source indices sampled for each of `outputs` cells along an axis of
+// `length` source pixels: up to kMaxSamples per cell, evenly spread.
+constexpr int32_t kMaxSamples = 4;
+
+struct SampleAxis {
+    std::vector<int32_t> first; // into `indices`
+    std::vector<int32_t> count;
+    std::vector<int32_t> indices;
+};
+
+SampleAxis sampleAxis(int32_t length, int32_t outputs)
+{
+    SampleAxis axis;
+    for (int32_t o = 0; o < outputs; ++o) {
+        int64_t begin = int64_t(o) * length / outputs;
+        int64_t end = std::max(begin + 1, int64_t(o + 1) * length / outputs);
+        int64_t span = end - begin;
+        int32_t n = int32_t(std::min<int64_t>(span, kMaxSamples));
+        axis.first.push_back(int32_t(axis.indices.size()));
+        axis.count.push_back(n);
+        for (int32_t k = 0; k < n; ++k)
+            axis.indices.push_back(int32_t(begin + (2 * k + 1) * span / (2 * n)));
+    }
+    return axis;
+}
+
+} // namespace
+
+void sampledShrink(const KPixelBuffer& in, const KPixelBuffer& out)
+{
+    if (!in.isValid() || !out.isValid())
+        return;
+    SampleAxis columns = sampleAxis(in.width, out.width);
+    SampleAxis rows = sampleAxis(in.height, out.height);
+    for (int32_t y = 0; y < out.height; ++y) {
+        uint32_t* target = out.row(y);
+        for (int32_t x = 0; x < out.width; ++x) {
+            uint32_t sums[3] = { 0, 0, 0 };
+            for (int32_t r = 0; r < rows.count[size_t(y)]; ++r) {
+                const uint32_t* line = in.row(rows.indices[size_t(rows.first[size_t(y)] + r)]);
+                for (int32_t c = 0; c < columns.count[size_t(x)]; ++c) {
+                    uint32_t p = line[columns.indices[size_t(columns.first[size_t(x)] + c)]];
+                    sums[0] += channel(p, 16);
+                    sums[1] += channel(p, 8);
+                    sums[2] += channel(p, 0);
+                }
+            }
+            uint32_t n = uint32_t(rows.count[size_t(y)] * columns.count[size_t(x)]);
+            target[x] = 0xFF000000u | (((sums[0] + n / 2) / n) << 16) | (((sums[1] + n / 2) / n) << 8)
+                        | ((sums[2] + n / 2) / n);
         }
     }
 }

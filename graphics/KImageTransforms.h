@@ -40,4 +40,10 @@ void smooth(const KPixelBuffer& in, const KPixelBuffer& out);
 // at least the threshold), black elsewhere.
 void thresholdMask(const KPixelBuffer& in, const KPixelBuffer& out, uint16_t threshold);
 
+// A quick picture of `in` at the size of `out`: each result pixel is the
+// mean of at most 4 by 4 source pixels spread evenly over the area it
+// covers (all of them when the area is that small), so the cost follows the
+// result's size, not the source's. The result is opaque (top byte 0xFF).
+void sampledShrink(const KPixelBuffer& in, const KPixelBuffer& out);
+
 } // namespace KImageTransforms

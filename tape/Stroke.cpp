@@ -61,6 +61,50 @@ bool advance(KBresenham& stepper, int32_t steps, int32_t& x, int32_t& y)
     return false;
 }
 
+// The dabs of a segment lie close together: they are refreshed as one
+// rectangle, since every refresh restores the scene under it. The rectangle
+// is let go when it would grow past a few brush sizes, so that a long
+// diagonal never refreshes the page between its ends.
+class DabRefresh {
+public:
+    DabRefresh(TapePage* page, int16_t size)
+        : page(page)
+        , limit(std::max(64, 4 * int32_t(size)))
+    {
+    }
+    ~DabRefresh() { flush(); }
+    DabRefresh(const DabRefresh&) = delete;
+    DabRefresh& operator=(const DabRefresh&) = delete;
+
+    void add(const KGraphicRectangle& dab)
+    {
+        if (!page)
+            return;
+        KGraphicRectangle united = pending;
+        if (united.isEmpty())
+            united = dab;
+        else
+            united.uniteWith(dab);
+        if (united.width > limit || united.height > limit) {
+            flush();
+            united = dab;
+        }
+        pending = united;
+    }
+
+private:
+    void flush()
+    {
+        if (page && !pending.isEmpty())
+            page->refresh(pending);
+        pending = KGraphicRectangle();
+    }
+
+    TapePage* page;
+    int32_t limit;
+    KGraphicRectangle pending;
+};
+
 } // namespace
 
 K_DEFINE_CLASS(Stroke, TapeGraphicObject)
@@ -207,11 +251,11 @@ void Stroke::drawDabs(KGraphicDevice& device, const KGraphicPoint& from, const K
 {
     KBresenham& stepper = lineStepper();
     stepper.set(from.x, from.y, to.x, to.y);
+    DabRefresh refreshed(refresh, size);
     KGraphicRectangle dab = dabSquare(from.x, from.y, size);
     if (withStart) {
         device.fillOval(dab);
-        if (refresh)
-            refresh->refresh(dab);
+        refreshed.add(dab);
     }
     int32_t x = 0;
     int32_t y = 0;
@@ -224,8 +268,7 @@ void Stroke::drawDabs(KGraphicDevice& device, const KGraphicPoint& from, const K
         arrived = advance(stepper, step, x, y);
         dab = dabSquare(x, y, size);
         device.fillOval(dab);
-        if (refresh)
-            refresh->refresh(dab);
+        refreshed.add(dab);
     }
 }
 

@@ -57,4 +57,12 @@ public:
     virtual void drawFrame();
 
     KGraphicRectangle getPageBounds();
+
+    // While the tape draws the whole page again it refreshes all of it at
+    // the end; a page may drop the single elements' refreshes meanwhile.
+    void setRebuilding(bool value) { rebuilding = value; }
+    bool isRebuilding() const { return rebuilding; }
+
+private:
+    bool rebuilding = false;
 };

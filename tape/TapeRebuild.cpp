@@ -4,6 +4,7 @@
 #include "graphics/KGraphicStateGuard.h"
 #include "tape/Tape.h"
 #include "tape/TapeHost.h"
+#include "tape/TapePage.h"
 #include "tape/WipeOut.h"
 
 namespace {
@@ -22,6 +23,22 @@ bool removesActors(const TapeObject* element)
     auto* transition = dynamic_cast<const WipeOut*>(element);
     return transition && transition->getRemovesActors();
 }
+
+// Marks the page as being rebuilt for the scope's length.
+class RebuildingScope {
+public:
+    explicit RebuildingScope(TapePage& page)
+        : page(page)
+    {
+        page.setRebuilding(true);
+    }
+    ~RebuildingScope() { page.setRebuilding(false); }
+    RebuildingScope(const RebuildingScope&) = delete;
+    RebuildingScope& operator=(const RebuildingScope&) = delete;
+
+private:
+    TapePage& page;
+};
 
 } // namespace
 
@@ -93,16 +110,19 @@ void Tape::rebuildPage()
     // snapshots would not follow.
     bool snapshots = frameKind == Story;
     int32_t from = pageCache.begin(*this, device, first, limit, snapshots);
-    if (from == first)
-        clearPage(device);
-    for (int32_t i = from; i < limit; ++i) {
-        TapeObject* element = getAt(i);
-        if (element && element->isActive()) {
-            int32_t type = element->getType();
-            if (type != ActorActionType && type != ActorMotionType)
-                element->drawOnPage();
+    {
+        RebuildingScope rebuilding(*page);
+        if (from == first)
+            clearPage(device);
+        for (int32_t i = from; i < limit; ++i) {
+            TapeObject* element = getAt(i);
+            if (element && element->isActive()) {
+                int32_t type = element->getType();
+                if (type != ActorActionType && type != ActorMotionType)
+                    element->drawOnPage();
+            }
+            pageCache.advance(*this, i);
         }
-        pageCache.advance(*this, i);
     }
     pageCache.end();
     page->refreshAll();

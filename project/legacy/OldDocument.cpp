@@ -11,6 +11,7 @@
 
 #include <cctype>
 #include <filesystem>
+#include <fstream>
 
 namespace fs = std::filesystem;
 
@@ -85,8 +86,12 @@ bool isOldDocument(const std::string& path)
 {
     if (hasOldExtension(path))
         return true;
-    std::vector<uint8_t> bytes;
-    return ZFile::readFile(path, bytes) && looksOld(bytes);
+    // The first bytes tell; a whole story need not be read for that.
+    std::ifstream in(path, std::ios::binary);
+    std::vector<uint8_t> start(8);
+    if (!in.read(reinterpret_cast<char*>(start.data()), std::streamsize(start.size())))
+        return false;
+    return looksOld(start);
 }
 
 TapePtr convertInMemory(const std::vector<uint8_t>& bytes, ZConversion& conversion)

@@ -4,6 +4,7 @@
 #include "graphics/KBoxFilter.h"
 #include "graphics/KColor.h"
 #include "graphics/KGraphicRegion.h"
+#include "graphics/KImageTransforms.h"
 #include "graphics/KMaskedFrame.h"
 #include "graphics/KPixelOps.h"
 
@@ -128,6 +129,32 @@ TEST(PixelOps, BoxFilterWeighsByArea)
     EXPECT_EQ(to, KWideRectangle(4, 0, 4, 2));
     KWideRectangle away(5, 5, 2, 2), target(0, 0, 4, 4);
     EXPECT_FALSE(KBoxFilter::clipToSource({ 0, 0, 3, 1 }, away, target));
+}
+
+// Small areas are averaged whole; large ones by samples spread over them,
+// so that a page's quick picture keeps its regions where they were.
+TEST(PixelOps, SampledShrinkAveragesEachArea)
+{
+    Buffer small(3, 3);
+    small.pixels = { 0, 0, 0, 0, 0x090909, 0, 0, 0, 0 };
+    Buffer one(1, 1);
+    KImageTransforms::sampledShrink(small.view, one.view);
+    EXPECT_EQ(one.pixels[0], 0xFF010101u) << "nine pixels, all counted; the result opaque";
+
+    // A page of 800 by 600: red left, blue right, a green band below.
+    Buffer page(800, 600);
+    for (int32_t y = 0; y < 600; ++y)
+        for (int32_t x = 0; x < 800; ++x)
+            page.pixels[size_t(y) * 800 + size_t(x)] = y >= 450 ? 0x00FF00 : x < 400 ? 0xFF0000 : 0x0000FF;
+    Buffer picture(64, 48);
+    KImageTransforms::sampledShrink(page.view, picture.view);
+    EXPECT_EQ(picture.pixels[0] & 0xFFFFFF, 0xFF0000u);
+    EXPECT_EQ(picture.pixels[31] & 0xFFFFFF, 0xFF0000u);
+    EXPECT_EQ(picture.pixels[32] & 0xFFFFFF, 0x0000FFu);
+    // The band begins where row 36's area begins (450); row 35's is red.
+    EXPECT_EQ(picture.pixels[36 * 64 + 10] & 0xFFFFFF, 0x00FF00u);
+    EXPECT_EQ(picture.pixels[47 * 64 + 63] & 0xFFFFFF, 0x00FF00u);
+    EXPECT_EQ(picture.pixels[35 * 64 + 0] & 0xFFFFFF, 0xFF0000u);
 }
 
 // The vector loops of the bitwise operations against the plain formulas,

@@ -71,15 +71,28 @@ TEST_F(StrokeTest, DabsFallEveryEighthOfTheBrush)
     device.setForeground(rgb(kRed));
     Stroke::drawDabLine(device, KGraphicPoint(10, 10), KGraphicPoint(20, 10), 1, page.get());
     EXPECT_EQ(countColour(*page, kRed), 11);
-    EXPECT_EQ(page->getRefreshCount(), 11);
+    // The dabs of a short segment are refreshed as one rectangle.
+    EXPECT_EQ(page->getRefreshCount(), 1);
+    EXPECT_EQ(page->getRefreshed(), KGraphicRectangle(10, 10, 11, 1));
 
     page->clearRefreshed();
     Stroke::drawDabLine(device, KGraphicPoint(30, 60), KGraphicPoint(39, 60), 16, page.get());
     // Dabs at 30, 32, 34, 36, 38 and the end 39.
-    EXPECT_EQ(page->getRefreshCount(), 6);
     EXPECT_EQ(page->getRefreshed(), KGraphicRectangle(22, 52, 25, 16));
     EXPECT_EQ(pixel(*page, 46, 60), kRed);
     EXPECT_EQ(pixel(*page, 47, 60), kBlack);
+}
+
+TEST_F(StrokeTest, LongSegmentsAreRefreshedInPieces)
+{
+    // A diagonal across the page never refreshes the rectangle between its
+    // ends in one go, yet every dab lies in some refreshed piece.
+    KGraphicDevice& device = page->getPageDevice();
+    device.setForeground(rgb(kRed));
+    Stroke::drawDabLine(device, KGraphicPoint(5, 5), KGraphicPoint(300, 200), 8, page.get());
+    EXPECT_GE(page->getRefreshCount(), 5);
+    EXPECT_TRUE(page->getRefreshed().contains(KGraphicPoint(2, 2)));
+    EXPECT_TRUE(page->getRefreshed().contains(KGraphicPoint(303, 203)));
 }
 
 TEST_F(StrokeTest, GeometryFollowsThePoints)

@@ -15,8 +15,11 @@
 namespace {
 
 // The pointer is asked of the X server at most this often; motion events
-// keep it current in between.
+// keep it current in between. While it rests, each answer that finds it
+// where it was doubles the period up to the longest, so that a program
+// left alone does not ask fifty times a second.
 constexpr int32_t kPointerQueryPeriod = 20;
+constexpr int32_t kRestingPointerQueryPeriod = 320;
 
 KNativeRecord recordFor(KGtkWindowHandle* handle, int32_t message, int32_t param1 = 0, int32_t param2 = 0)
 {
@@ -476,13 +479,14 @@ void KGtkNativeLayer::notePointer(int32_t x, int32_t y)
     pointerY = y;
     pointerKnown = true;
     pointerTime = now();
+    pointerQueryPeriod = kPointerQueryPeriod;
 }
 
 bool KGtkNativeLayer::cursorPosition(int32_t& x, int32_t& y)
 {
     if (!display)
         return false;
-    if (!pointerKnown || kTimeDifference(now(), pointerTime) >= kPointerQueryPeriod) {
+    if (!pointerKnown || kTimeDifference(now(), pointerTime) >= pointerQueryPeriod) {
         GdkSeat* seat = gdk_display_get_default_seat(gdk_display_get_default());
         GdkDevice* pointer = seat ? gdk_seat_get_pointer(seat) : nullptr;
         if (!pointer)
@@ -490,7 +494,10 @@ bool KGtkNativeLayer::cursorPosition(int32_t& x, int32_t& y)
         gint px = 0;
         gint py = 0;
         gdk_device_get_position(pointer, nullptr, &px, &py);
+        bool resting = pointerKnown && px == pointerX && py == pointerY;
+        int32_t period = resting ? std::min(2 * pointerQueryPeriod, kRestingPointerQueryPeriod) : kPointerQueryPeriod;
         notePointer(px, py);
+        pointerQueryPeriod = period;
     }
     x = pointerX;
     y = pointerY;

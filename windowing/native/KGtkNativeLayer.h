@@ -124,6 +124,7 @@ private:
     int32_t pointerY = 0;
     bool pointerKnown = false;
     uint32_t pointerTime = 0;
+    int32_t pointerQueryPeriod = 0;
     int32_t eventModifiers = -1;
     KCursorShape cursorShape = KCursorShape::Normal;
     bool cursorVisible = true;
