@@ -233,6 +233,21 @@ bool hasVisibleCharacter(const KString& text)
     return false;
 }
 
+// Whether the two texts show alike: the same characters, alignment and
+// runs of the same look.
+bool looksTheSame(const KTextBlock& a, const KTextBlock& b)
+{
+    KNativeStyledText first = KEditFieldControl::toNative(a);
+    KNativeStyledText second = KEditFieldControl::toNative(b);
+    if (first.text != second.text || first.alignment != second.alignment || first.runs.size() != second.runs.size())
+        return false;
+    for (size_t i = 0; i < first.runs.size(); ++i) {
+        if (first.runs[i].length != second.runs[i].length || !(first.runs[i].style == second.runs[i].style))
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 void StylusWindow::stopEditText()
@@ -245,10 +260,18 @@ void StylusWindow::stopEditText()
     edited.clear();
     editField.clear();
     KGraphicRectangle placed = spriteSystem ? spriteSystem->endEdit() : KGraphicRectangle();
+    // Walking over a text edits it in place: only a real change marks the
+    // story changed and sends the thumbnails after it.
+    bool changed = false;
     if (field) {
         if (element) {
-            element->setTextBlock(field->getTextBlock());
-            element->setBackColour(field->getBackColour());
+            KTextBlock typed = field->getTextBlock();
+            if (!looksTheSame(typed, element->getTextBlock())
+                || !(field->getBackColour() == element->getBackColour())) {
+                element->setTextBlock(typed);
+                element->setBackColour(field->getBackColour());
+                changed = true;
+            }
         }
         field->setFormatMenu(nullptr);
         removeControl(*field);
@@ -263,11 +286,15 @@ void StylusWindow::stopEditText()
         if (!hasVisibleCharacter(element->getPlainText()) && index >= 0) {
             tape->removeRange(index, index);
         } else {
-            if (!placed.isEmpty())
+            if (!placed.isEmpty() && placed != element->getBounds()) {
                 element->setRect(placed);
-            tape->elementChanged(*element);
-            tape->setModified();
-            tape->invalidatePreviewsFrom(std::max(index, 0), false);
+                changed = true;
+            }
+            if (changed) {
+                tape->elementChanged(*element);
+                tape->setModified();
+                tape->invalidatePreviewsFrom(std::max(index, 0), false);
+            }
         }
     }
     updateBrushPosition();

@@ -122,6 +122,32 @@ TEST_F(TextEditTest, APressOnATextOpensTheFieldOverItAndTypingAndAClickAwayEndIn
     });
 }
 
+TEST_F(TextEditTest, ATextOpenedAndLeftAsItWasChangesNothing)
+{
+    // Stopping on a text opens it for typing; leaving it untouched keeps
+    // the element as it was, so that the thumbnails after it stay.
+    runApp({}, [&](TestApplication& app) {
+        StylusWindow& window = *StylusWindow::current();
+        StylusText& text = addText(app, "Still");
+        const KTextBlock* block = &text.getTextBlock();
+        window.startEditText(text);
+        ASSERT_EQ(window.getEditMode(), EditMode::Text);
+        key(KVirtualKey::Escape);
+        EXPECT_EQ(window.getEditMode(), EditMode::None);
+        EXPECT_EQ(&text.getTextBlock(), block) << "the element keeps its own block";
+        EXPECT_EQ(text.getBounds(), kTextPlace);
+
+        // A change of colour alone is a change.
+        window.startEditText(text);
+        window.getEditField()->selectAll();
+        window.getEditField()->setTextColour(KColor(KColor::Red));
+        key(KVirtualKey::Escape);
+        EXPECT_NE(&text.getTextBlock(), block);
+        EXPECT_EQ(runOf(text, 0, 0).getColour().getRed(), 0xFFFF);
+        layer.answerMessageBox(KNativeAnswer::No);
+    });
+}
+
 TEST_F(TextEditTest, SevenPixelsOffATextPaintsAndATextLeftEmptyLeavesTheTape)
 {
     runApp({}, [&](TestApplication& app) {
