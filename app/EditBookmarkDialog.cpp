@@ -1,4 +1,5 @@
 #include "app/EditBookmarkDialog.h"
+#include "app/UndoStep.h"
 
 #include "app/UiText.h"
 #include "kernel/KClass.h"
@@ -103,6 +104,8 @@ void EditBookmarkDialog::apply(const KString& taken)
 {
     if (taken == element->getBookmark())
         return;
+    UndoStep step(tape.get(), UndoHistory::Name::Bookmark);
+    step.willChange(*element);
     if (taken.isEmpty())
         element->clearBookmark();
     else

@@ -8,6 +8,7 @@
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
 #include "app/UiText.h"
+#include "app/UndoHistory.h"
 #include "kernel/KClass.h"
 #include "tape/Tape.h"
 #include "tape/TapeObject.h"
@@ -21,6 +22,9 @@ EditMenu::EditMenu()
     , items(kAdopt(new ItemsMenu()))
 {
     addItem(Undo, uiText("Undo"), 'Z');
+    // Control+Shift+Z, which the window takes: a menu accelerator has
+    // Control alone.
+    addItem(Redo, uiText("Redo"));
     addSeparator();
     addItem(Cut, uiText("Cut"), 'X');
     addItem(Copy, uiText("Copy"), 'C');
@@ -75,8 +79,8 @@ KString EditMenu::modifyTitle(int32_t kind)
 }
 
 // While a text is typed, the clipboard items work on its text; otherwise
-// on the elements of the tape, with the undo of the last cut, paste or
-// clear. The dialogs no part of the program supplies stay off.
+// on the elements of the tape. Undo and redo go through the tape's
+// history. The dialogs no part of the program supplies stay off.
 KEventReturn EditMenu::doOpen(KMenuEvent&)
 {
     MenuState state = MenuState::now();
@@ -91,7 +95,9 @@ KEventReturn EditMenu::doOpen(KMenuEvent&)
     KString bookmark = current ? current->getBookmark() : KString();
     setItemTitle(SetBookmark, bookmark.isEmpty() ? uiText("Set Bookmark") : uiText("Edit Bookmark '%1'", bookmark));
     StylusClipboard* clipboard = StylusClipboard::current();
-    setItemTitle(Undo, clipboard ? clipboard->undoTitle() : uiText("Can't Undo"));
+    UndoHistory* history = UndoHistory::current();
+    setItemTitle(Undo, history ? history->undoTitle(state.tape) : uiText("Can't Undo"));
+    setItemTitle(Redo, history ? history->redoTitle(state.tape) : uiText("Can't Redo"));
     bool text = state.textOpen;
     setItemTitle(Cut, text ? uiText("Cut Text") : uiText("Cut"));
     setItemTitle(Copy, text ? uiText("Copy Text") : uiText("Copy"));
@@ -110,7 +116,9 @@ KEventReturn EditMenu::doOpen(KMenuEvent&)
     for (int32_t item : { Cut, Copy, Clear })
         enableItem(item, text || (elements && clipboard->canCopy()));
     enableItem(Paste, text || (elements && clipboard->canPaste()));
-    enableItem(Undo, elements && clipboard->canUndo());
+    bool steps = history && !text && !state.window->isEditing();
+    enableItem(Undo, steps && history->canUndo(state.tape));
+    enableItem(Redo, steps && history->canRedo(state.tape));
     bool idle = state.tape != nullptr;
     enableItem(Modify, idle && kind >= WaitType && kind <= ImageType && kind != RelayMacroType);
     enableItem(SetBookmark, idle && state.position() > 0 && hooks && hooks->editBookmark);
@@ -167,13 +175,14 @@ KEventReturn EditMenu::doMenuItem(KMenuEvent& event)
         return 1;
     }
     case Undo:
-        if (StylusClipboard* clipboard = StylusClipboard::current(); clipboard && !field)
-            clipboard->undo();
+    case Redo:
+        if (StylusActions* actions = StylusActions::current(); actions && !field)
+            actions->undoOrRedo(event.getItemId() == Redo);
         return 1;
     case Modify:
         if (state.tape && !state.playing) {
             window->stopEditing();
-            state.tape->editCurrentElement();
+            StylusActions::modifyElementOf(*state.tape);
         }
         return 1;
     case SetBookmark:

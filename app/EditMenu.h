@@ -5,7 +5,7 @@
 class ItemsMenu;
 class StylusClipboard;
 
-// "Edit": undo, the clipboard (the text being typed while one is open),
+// "Edit": undo and redo, the clipboard (the text being typed while one is open),
 // the Toolbox, modifying the element before the position, bookmarks, the
 // special copy and paste, the navigation tool, the preferences and the
 // palette's size.
@@ -26,6 +26,7 @@ public:
         NavigationTool = 11,
         Preferences = 12,
         PaletteSize = 13,
+        Redo = 14,
     };
 
     EditMenu();

@@ -1,5 +1,6 @@
 #include "app/ElementDialog.h"
 #include "app/ProjectFiles.h"
+#include "app/UndoStep.h"
 #include "kernel/KDirectory.h"
 #include "kernel/KFileReference.h"
 #include "kernel/KPath.h"
@@ -107,6 +108,9 @@ KEventReturn ElementDialog::doDialogAction(int32_t buttonId)
             return 1;
         }
         stopTrying();
+        UndoStep step(tape.get(), newElement ? UndoHistory::Name::Insert : UndoHistory::Name::Change);
+        if (!newElement)
+            step.willChange(*element);
         applyValues();
         commit();
         accepted = true;

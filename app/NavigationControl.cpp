@@ -2,6 +2,7 @@
 #include "app/StylusPreviews.h"
 
 #include "app/ArtResources.h"
+#include "app/StylusActions.h"
 #include "app/StylusWindow.h"
 #include "app/UiText.h"
 #include "graphics/KGraphicStateGuard.h"
@@ -529,7 +530,7 @@ void NavigationControl::pressed(int32_t id)
         TapePtr held(shown);
         goToPosition(shownPosition);
         if (shown->hasCurrentElement())
-            shown->editCurrentElement();
+            StylusActions::modifyElementOf(*shown);
         return;
     }
     default:

@@ -1,5 +1,6 @@
 #include "app/StylusActions.h"
 #include "app/StylusPreviews.h"
+#include "app/UndoStep.h"
 
 #include "app/ActorEditor.h"
 #include "app/KSoundRecordDialog.h"
@@ -111,6 +112,9 @@ bool StylusActions::hookMissing(bool present)
 void StylusActions::installProject(StylusProject& opened)
 {
     project = opened;
+    // Nothing of another story can be taken back here.
+    if (UndoHistory* history = UndoHistory::current())
+        history->reset();
     StylusWindow* shown = window();
     Tape* shownTape = opened.getTape();
     if (!shown || !shownTape)
@@ -317,7 +321,10 @@ bool StylusActions::importProject(const KFileReference& file)
     if (!readTape || !fitsScreen(readTape->getPageSize(), true))
         return false;
     copyProjectFiles(*read, *project, *readTape);
-    tape()->insertTape(*readTape);
+    {
+        UndoStep step(tape(), UndoHistory::Name::InsertProject);
+        tape()->insertTape(*readTape);
+    }
     if (StylusWindow* shown = window()) {
         shown->showTape(*tape(), project->getActorsDirectory());
         shown->redrawPage(true);

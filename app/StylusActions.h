@@ -122,6 +122,12 @@ public:
     void goToBeginning();
     void goToEnd();
     void deleteLast();
+    // Edits the element before the tape's position (a stroke's colour, the
+    // others' dialogs) as one step of the undo history.
+    static void modifyElementOf(Tape& tape);
+    // Takes the last step of the undo history back, or makes the last one
+    // taken back again; a beep when there is none.
+    void undoOrRedo(bool redo);
     void moveToolPalette();
     // Kinds 1 to 10. Without the dialogs' hook, a wait, a speech and a
     // pause go in at the position with their defaults, a sound with the

@@ -12,6 +12,7 @@
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
 #include "app/UiText.h"
+#include "app/UndoStep.h"
 #include "app/actors/ActorAction.h"
 #include "app/actors/ActorLoading.h"
 #include "kernel/KDirectory.h"
@@ -153,12 +154,35 @@ void StylusActions::deleteLast()
     // Through the clipboard's clear, so that Control+Z brings it back; the
     // tape's own removal answers an empty place with a beep.
     StylusClipboard* clipboard = StylusClipboard::current();
-    if (clipboard && shownTape()->getPosition() > 0)
-        clipboard->clear();
-    else
-        shownTape()->removeCurrentElement();
+    {
+        UndoStep step(shownTape(), UndoHistory::Name::Delete);
+        if (clipboard && shownTape()->getPosition() > 0)
+            clipboard->clear();
+        else
+            shownTape()->removeCurrentElement();
+    }
     if (StylusWindow* shown = window())
         shown->redrawPage(true);
+    tellChanged();
+}
+
+void StylusActions::undoOrRedo(bool redo)
+{
+    UndoHistory* history = UndoHistory::current();
+    Tape* tape = shownTape();
+    if (!history || !tape || !tapeIsIdle())
+        return;
+    finishPastePlacement(false);
+    // Typing still open becomes a step of its own first.
+    stopEditing();
+    if (redo ? !history->canRedo(tape) : !history->canUndo(tape)) {
+        TapeHost::get().beep();
+        return;
+    }
+    if (redo)
+        history->redo(*tape);
+    else
+        history->undo(*tape);
     tellChanged();
 }
 
@@ -196,7 +220,18 @@ void StylusActions::modifyCurrentElement()
     if (!shownTape() || !tapeIsIdle())
         return;
     stopEditing();
-    shownTape()->editCurrentElement();
+    modifyElementOf(*shownTape());
+}
+
+// A stroke's colour changes where it stands; the other kinds' dialogs make
+// their own step, which joins this one.
+void StylusActions::modifyElementOf(Tape& tape)
+{
+    UndoStep step(&tape, UndoHistory::Name::Change);
+    if (TapeObject* current = tape.hasCurrentElement() ? tape.getCurrentElement() : nullptr;
+        current && current->getType() == StrokeType)
+        step.willChange(*current);
+    tape.editCurrentElement();
 }
 
 bool StylusActions::canInsertElement(int32_t kind) const
@@ -346,7 +381,10 @@ void StylusActions::insertThroughDialog(int32_t kind)
 
 void StylusActions::addInserted(TapeObject& element)
 {
-    shownTape()->addElement(element);
+    {
+        UndoStep step(shownTape(), UndoHistory::Name::Insert);
+        shownTape()->addElement(element);
+    }
     if (StylusWindow* shown = window())
         shown->redrawPage(false);
     elementAdded();

@@ -42,6 +42,7 @@
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
 #include "app/UiText.h"
+#include "app/UndoHistory.h"
 #include "app/ViewMenu.h"
 #include "kernel/KClass.h"
 #include "kernel/KErrorHandler.h"
@@ -193,6 +194,7 @@ void StylusApplication::doInit()
     previews = std::make_unique<StylusPreviews>();
     actorEditor = kAdopt(new ActorEditor());
     clipboard = kAdopt(new StylusClipboard());
+    history = std::make_unique<UndoHistory>();
     toolPalette = kAdopt(new ToolPalette());
     navigationPalette = kAdopt(new NavigationPalette());
     actions->hooks().loadColors = [](const KFileReference& file) {

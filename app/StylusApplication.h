@@ -22,6 +22,7 @@ class StylusClipboard;
 class StylusWindow;
 class RecoveryCopy;
 class StylusPreviews;
+class UndoHistory;
 class StylusPrinting;
 class PlayerWaitAnswer;
 class StateFile;
@@ -147,6 +148,7 @@ private:
     KPtr<StylusActions> actions;
     KPtr<ActorEditor> actorEditor;
     KPtr<StylusClipboard> clipboard;
+    std::unique_ptr<UndoHistory> history;
     KPtr<StylusMenuBar> menuBar;
     KMediaManagerPtr mediaManager;
     KTextFormatMenuPtr formatMenu;

@@ -3,6 +3,7 @@
 #include "app/StylusMenuBar.h"
 #include "app/StylusWindow.h"
 #include "app/UiText.h"
+#include "app/UndoStep.h"
 #include "graphics/KColor.h"
 #include "graphics/KImage.h"
 #include "kernel/KClass.h"
@@ -27,7 +28,6 @@ K_DEFINE_CLASS(StylusClipboard, KThing)
 
 StylusClipboard::StylusClipboard()
     : clip(kAdopt(new Tape()))
-    , undoTape(kAdopt(new Tape()))
 {
     gClipboard = this;
 }
@@ -75,26 +75,6 @@ bool StylusClipboard::canCopy() const
 }
 
 bool StylusClipboard::canPaste() const { return shownTape() && clip->getCount() > 0; }
-
-bool StylusClipboard::canUndo() const
-{
-    Tape* tape = shownTape();
-    return tape && tape == undoOwner && undoKind != NoUndo;
-}
-
-KString StylusClipboard::undoTitle() const
-{
-    if (!canUndo())
-        return uiText("Can't Undo");
-    switch (lastOperation) {
-    case CutOperation:
-        return undone ? uiText("Redo Cut") : uiText("Undo Cut");
-    case PasteOperation:
-        return undone ? uiText("Redo Paste") : uiText("Undo Paste");
-    default:
-        return undone ? uiText("Redo Clear") : uiText("Undo Clear");
-    }
-}
 
 void StylusClipboard::copy()
 {
@@ -164,18 +144,9 @@ bool StylusClipboard::takeFromSystem()
     return true;
 }
 
-void StylusClipboard::remember(Tape& tape, int32_t at, UndoKind kind)
-{
-    undoOwner = &tape;
-    undoIndex = at;
-    undoKind = kind;
-    undone = false;
-    lastOperation = kind == UndoCut ? CutOperation : kind == UndoPaste ? PasteOperation : ClearOperation;
-}
-
-// Cut and clear: the elements go, and copies of them are kept for the
-// undo; a cut also puts them in the clip.
-void StylusClipboard::takeOut(Tape& tape, int32_t first, int32_t last, bool keepInClip, UndoKind kind)
+// Cut and clear: the elements go, as one step of the undo history; a cut
+// also puts copies of them in the clip.
+void StylusClipboard::takeOut(Tape& tape, int32_t first, int32_t last, bool keepInClip)
 {
     first = std::max(first, 0);
     last = std::min(last, tape.getCount() - 1);
@@ -188,51 +159,44 @@ void StylusClipboard::takeOut(Tape& tape, int32_t first, int32_t last, bool keep
     }
     if (StylusWindow* window = StylusWindow::current())
         window->stopEditing();
-    fill(*undoTape, tape, first, last, false);
-    if (keepInClip)
+    if (keepInClip) {
         fill(*clip, tape, first, last, false);
-    if (keepInClip)
         publish();
-    tape.removeRange(first, last);
-    undoCount = undoTape->getCount();
-    remember(tape, first, kind);
+    }
+    {
+        UndoStep step(&tape, keepInClip ? UndoHistory::Name::Cut : UndoHistory::Name::Clear);
+        tape.removeRange(first, last);
+    }
     redrawFrom(tape);
 }
 
 void StylusClipboard::cut()
 {
     if (Tape* tape = shownTape(); tape && tape->getPosition() > 0)
-        takeOut(*tape, tape->getPosition() - 1, tape->getPosition() - 1, true, UndoCut);
+        takeOut(*tape, tape->getPosition() - 1, tape->getPosition() - 1, true);
 }
 
 void StylusClipboard::cutRange(int32_t first, int32_t last)
 {
     if (Tape* tape = shownTape())
-        takeOut(*tape, std::min(first, last), std::max(first, last), true, UndoCut);
+        takeOut(*tape, std::min(first, last), std::max(first, last), true);
 }
 
 void StylusClipboard::clear()
 {
     if (Tape* tape = shownTape(); tape && tape->getPosition() > 0)
-        takeOut(*tape, tape->getPosition() - 1, tape->getPosition() - 1, false, UndoClear);
+        takeOut(*tape, tape->getPosition() - 1, tape->getPosition() - 1, false);
 }
 
 void StylusClipboard::clearRange(int32_t first, int32_t last)
 {
     if (Tape* tape = shownTape())
-        takeOut(*tape, std::min(first, last), std::max(first, last), false, UndoClear);
+        takeOut(*tape, std::min(first, last), std::max(first, last), false);
 }
 
-// Fresh copies of `from` go in at index `at`; the position follows them.
-void StylusClipboard::putBack(Tape& tape, Tape& from, int32_t at)
-{
-    tape.setPositionQuietly(std::clamp(at, 0, tape.getCount()));
-    for (int32_t i = 0; i < from.getCount(); ++i) {
-        if (TapeObjectPtr copied = copyOf(*from.getAt(i)))
-            tape.addElement(*copied);
-    }
-}
-
+// Fresh copies of the clip go in at the position together, with one
+// invalidation; the position follows them. A bookmark the tape has already
+// is not taken twice.
 void StylusClipboard::paste()
 {
     Tape* tape = shownTape();
@@ -245,39 +209,25 @@ void StylusClipboard::paste()
     if (StylusWindow* window = StylusWindow::current())
         window->stopEditing();
     bool frame = tape->getFrameKind() == Tape::ActorFrame;
-    fill(*undoTape, *clip, 0, clip->getCount() - 1, frame);
-    if (frame && undoTape->getCount() < clip->getCount())
-        TapeHost::get().alert(uiText("TaleLoom"), uiText("Only for stories, not for Actors!"));
-    int32_t at = tape->getPosition();
-    putBack(*tape, *undoTape, at);
-    undoCount = undoTape->getCount();
-    remember(*tape, at, UndoPaste);
-    redrawFrom(*tape);
-}
-
-// A removal (cut, clear) is undone by putting copies back where they
-// were, a paste by taking its elements out again; the next undo does the
-// other, so the last step can be gone over as often as the user likes.
-void StylusClipboard::undo()
-{
-    Tape* tape = shownTape();
-    if (!tape || !canUndo())
-        return;
-    if (StylusWindow* window = StylusWindow::current())
-        window->stopEditing();
-    bool removal = lastOperation != PasteOperation;
-    if (removal != undone) {
-        putBack(*tape, *undoTape, undoIndex);
-    } else {
-        int32_t position = tape->getPosition();
-        tape->removeRange(undoIndex, undoIndex + undoCount - 1);
-        tape->setPositionQuietly(std::max(undoIndex, position - undoCount));
+    std::vector<TapeObjectPtr> copies;
+    for (int32_t i = 0; i < clip->getCount(); ++i) {
+        TapeObject* element = clip->getAt(i);
+        if (!element || (frame && element->getType() != StrokeType))
+            continue;
+        TapeObjectPtr copied = copyOf(*element);
+        if (copied && copied->hasBookmark() && tape->hasBookmark(copied->getBookmark()))
+            copied->clearBookmark();
+        if (copied)
+            copies.push_back(copied);
     }
-    undone = !undone;
-    if (undone)
-        undoKind = removal ? RedoRemoval : RedoPaste;
-    else
-        undoKind = lastOperation == CutOperation ? UndoCut : lastOperation == PasteOperation ? UndoPaste : UndoClear;
+    if (frame && int32_t(copies.size()) < clip->getCount())
+        TapeHost::get().alert(uiText("TaleLoom"), uiText("Only for stories, not for Actors!"));
+    int32_t at = std::clamp(tape->getPosition(), 0, tape->getCount());
+    {
+        UndoStep step(tape, UndoHistory::Name::Paste);
+        tape->insertElements(at, copies);
+        tape->setPositionQuietly(at + int32_t(copies.size()));
+    }
     redrawFrom(*tape);
 }
 

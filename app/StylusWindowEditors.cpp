@@ -7,6 +7,7 @@
 #include "app/StylusTapeHost.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
+#include "app/UndoStep.h"
 #include "app/actors/Actor.h"
 #include "app/actors/ActorAction.h"
 #include "graphics/KAlphaImage.h"
@@ -153,6 +154,8 @@ void StylusWindow::finishInPlaceEdit(TapeObject& element)
     edited.clear();
     auto* graphic = dynamic_cast<TapeGraphicObject*>(&element);
     if (graphic && placed != graphic->getBounds() && !placed.isEmpty()) {
+        UndoStep step(tape.get(), UndoHistory::Name::Move);
+        step.willChange(*graphic);
         graphic->setBounds(placed);
         tape->elementChanged(element);
         tape->setModified();
@@ -263,11 +266,13 @@ void StylusWindow::stopEditText()
     // Walking over a text edits it in place: only a real change marks the
     // story changed and sends the thumbnails after it.
     bool changed = false;
+    UndoStep step(tape.get(), UndoHistory::Name::Typing);
     if (field) {
         if (element) {
             KTextBlock typed = field->getTextBlock();
             if (!looksTheSame(typed, element->getTextBlock())
                 || !(field->getBackColour() == element->getBackColour())) {
+                step.willChange(*element);
                 element->setTextBlock(typed);
                 element->setBackColour(field->getBackColour());
                 changed = true;
@@ -287,6 +292,7 @@ void StylusWindow::stopEditText()
             tape->removeRange(index, index);
         } else {
             if (!placed.isEmpty() && placed != element->getBounds()) {
+                step.willChange(*element);
                 element->setRect(placed);
                 changed = true;
             }
@@ -349,6 +355,8 @@ void StylusWindow::stopEditActorPosition()
     if (auto* actor = dynamic_cast<Actor*>(tape->getActor(action->getActorName())))
         actor->show();
     if (!placed.isEmpty() && frameSize.width > 0 && frameSize.height > 0) {
+        UndoStep step(tape.get(), UndoHistory::Name::Move);
+        step.willChange(*action);
         action->setPosition(placed.getOrigin());
         action->setScale(KAnimationVector(float(placed.width) / float(frameSize.width),
                                           float(placed.height) / float(frameSize.height)));

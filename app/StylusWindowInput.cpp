@@ -5,6 +5,7 @@
 #include "app/StylusActions.h"
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
+#include "app/UndoStep.h"
 #include "app/actors/Actor.h"
 #include "app/actors/ActorMotion.h"
 #include "kmultimedia/StylusSpriteSystem.h"
@@ -240,7 +241,11 @@ void StylusWindow::endStroke(const KGraphicPoint& point, bool shift)
 {
     if (!strokes.isOpen())
         return;
-    StrokePtr stroke = strokes.release(point.x, point.y, shift);
+    StrokePtr stroke;
+    {
+        UndoStep step(tape.get(), UndoHistory::Name::Stroke);
+        stroke = strokes.release(point.x, point.y, shift);
+    }
     redrawPage(false);
     if (thinPen) {
         thinPen = false;
@@ -314,7 +319,10 @@ void StylusWindow::endMotionDrag(const KGraphicPoint& point)
         redrawPage(true);
         return;
     }
-    tape->addElement(*finished);
+    {
+        UndoStep step(tape.get(), UndoHistory::Name::Insert);
+        tape->addElement(*finished);
+    }
     redrawPage(false);
     if (StylusActions* actions = StylusActions::current())
         actions->elementAdded();
@@ -351,6 +359,13 @@ KEventReturn StylusWindow::doKeyDown(KKeyEvent& event)
     if (paletteKeys(code, shift))
         return 1;
     bool control = (event.getModifiers() & kControl) != 0;
+    // Control+Z undoes and Control+Shift+Z redoes; the menu's accelerator
+    // takes the first where there is a menu bar.
+    if (control && lowerCase(code) == 'z') {
+        if (StylusActions* actions = StylusActions::current())
+            actions->undoOrRedo(shift);
+        return 1;
+    }
     if (stepKeys(code, shift, control) || brushKeys(code))
         return 1;
     return 0;
@@ -389,7 +404,7 @@ bool StylusWindow::stepKeys(int32_t code, bool shift, bool control)
         return false;
     case ' ':
         stopEditing();
-        tape->editCurrentElement();
+        StylusActions::modifyElementOf(*tape);
         return true;
     case KKeyEvent::Left:
     case KKeyEvent::Right: {

@@ -236,6 +236,69 @@ void Tape::removeRange(int32_t first, int32_t last)
     invalidatePreviews();
 }
 
+std::vector<TapeObjectPtr> Tape::takeElements(int32_t first, int32_t count)
+{
+    std::vector<TapeObjectPtr> taken;
+    first = std::clamp(first, 0, getCount());
+    count = std::clamp(count, 0, getCount() - first);
+    if (count == 0)
+        return taken;
+    taken.reserve(size_t(count));
+    for (int32_t index = first; index < first + count; ++index)
+        taken.emplace_back(getAt(index));
+    for (int32_t index = first + count - 1; index >= first; --index)
+        removeAt(index);
+    for (TapeObjectPtr& element : taken) {
+        if (element)
+            release(*element);
+    }
+    changedFrom(first, first);
+    return taken;
+}
+
+void Tape::insertElements(int32_t at, const std::vector<TapeObjectPtr>& elements)
+{
+    if (elements.empty())
+        return;
+    at = std::clamp(at, 0, getCount());
+    int32_t index = at;
+    for (const TapeObjectPtr& element : elements) {
+        if (!element)
+            continue;
+        insertAt(*element, index++);
+        element->setTape(*this);
+    }
+    changedFrom(at, index);
+}
+
+void Tape::replaceElement(int32_t index, TapeObject& element)
+{
+    if (index < 0 || index >= getCount())
+        return;
+    TapeObjectPtr old(getAt(index));
+    removeAt(index);
+    if (old)
+        release(*old);
+    insertAt(element, index);
+    element.setTape(*this);
+    changedFrom(index, index + 1);
+}
+
+// What the undo's moves share: the page cache from the first index that
+// changed, the thumbnails from the last one to the next page, the changed
+// mark and the bookmarks.
+void Tape::changedFrom(int32_t first, int32_t last)
+{
+    pageCache.invalidateFrom(first);
+    for (int32_t i = first; i < last && i < getCount(); ++i) {
+        if (TapeObject* element = getAt(i))
+            element->setPreviewValid(false);
+    }
+    setModified();
+    invalidatePreviewsFrom(std::max(first, last - 1) + 1, false);
+    TapeHost::get().refreshBookmarks();
+}
+
 void Tape::insertTape(Tape& other)
 {
     TapeHost& host = TapeHost::get();

@@ -12,6 +12,8 @@
 #include "tape/TapePageCache.h"
 #include "windowing/KTimer.h"
 
+#include <vector>
+
 // The elements of a document in the order the user made them, and a
 // position on them. The page has no storage of its own: it is what the
 // elements draw when the tape runs from its last page transition up to the
@@ -161,6 +163,14 @@ public:
     // An element of this tape changed what it draws.
     void elementChanged(TapeObject& element);
 
+    // The undo's three moves, each one change of the tape with one
+    // invalidation. The elements come out as they are, still whole; the
+    // position is left for the caller to set.
+    std::vector<TapeObjectPtr> takeElements(int32_t first, int32_t count);
+    void insertElements(int32_t at, const std::vector<TapeObjectPtr>& elements);
+    // The element at the index gives way to another.
+    void replaceElement(int32_t index, TapeObject& element);
+
     void setModified();
     void invalidatePreviews();
     void invalidatePreviewsFrom(int32_t p, bool onlyClearingTransitions);
@@ -233,6 +243,7 @@ private:
     void insertAtPosition(TapeObject& element);
     void detachAll();
     void release(TapeObject& element);
+    void changedFrom(int32_t first, int32_t last);
     void resetForRead();
     void readMainSection(KFile& file);
     void adoptReadElements();

@@ -1,6 +1,6 @@
 // The clipboard of tape elements: what cut, copy, paste and clear leave on
-// the tape and in the clip, and the undo that takes the last of them back
-// and makes it again, down to the bytes of the elements.
+// the tape and in the clip, and their steps in the undo history, taken
+// back and made again down to the bytes of the elements.
 
 #include "AppTestSupport.h"
 
@@ -8,12 +8,14 @@
 #include "app/StylusClipboard.h"
 #include "app/StylusMenuBar.h"
 #include "app/StylusWindow.h"
+#include "app/UndoHistory.h"
 #include "kernel/KFile.h"
 #include "project/StylusProject.h"
 #include "tape/Stroke.h"
 #include "tape/StylusPause.h"
 #include "tape/Tape.h"
 #include "tests/graphics/StreamTestSupport.h"
+#include "windowing/KEventTranslator.h"
 
 #include <gtest/gtest.h>
 
@@ -52,12 +54,13 @@ TEST_F(StylusClipboardTest, CutPasteAndClearAreUndoneAndRedoneToTheByte)
 {
     runApp({}, [&](TestApplication& app) {
         StylusClipboard& clipboard = *StylusClipboard::current();
+        UndoHistory& history = *UndoHistory::current();
         Tape& tape = *app.getProject()->getTape();
         clipboard.copy();
         EXPECT_EQ(clipboard.getClipTape().getCount(), 0) << "nothing to copy on an empty tape";
         fill(app);
         std::vector<uint8_t> whole = bytesOf(tape);
-        EXPECT_EQ(clipboard.undoTitle(), KString("Can't Undo"));
+        EXPECT_EQ(history.undoTitle(&tape), KString("Can't Undo"));
 
         // Cut the pause: it leaves the tape for the clip; undo puts it back.
         clipboard.cut();
@@ -65,43 +68,47 @@ TEST_F(StylusClipboardTest, CutPasteAndClearAreUndoneAndRedoneToTheByte)
         EXPECT_EQ(tape.getPosition(), 3);
         ASSERT_EQ(clipboard.getClipTape().getCount(), 1);
         EXPECT_EQ(clipboard.getClipTape().getAt(0)->getType(), PauseType);
-        EXPECT_EQ(clipboard.undoTitle(), KString("Undo Cut"));
-        clipboard.undo();
+        EXPECT_EQ(history.undoTitle(&tape), KString("Undo Cut"));
+        history.undo(tape);
         EXPECT_EQ(bytesOf(tape), whole);
         EXPECT_EQ(tape.getPosition(), 4);
-        EXPECT_EQ(clipboard.undoTitle(), KString("Redo Cut"));
-        clipboard.undo();
+        EXPECT_EQ(history.redoTitle(&tape), KString("Redo Cut"));
+        history.redo(tape);
         EXPECT_EQ(tape.getCount(), 3);
-        clipboard.undo();
+        history.undo(tape);
         EXPECT_EQ(bytesOf(tape), whole);
 
         // Paste at the start: one step, and its undo takes exactly it out.
+        // A new step leaves nothing to redo.
         tape.setPositionQuietly(0);
         clipboard.paste();
         ASSERT_EQ(tape.getCount(), 5);
         EXPECT_EQ(tape.getAt(0)->getType(), PauseType);
         EXPECT_EQ(tape.getPosition(), 1);
-        EXPECT_EQ(clipboard.undoTitle(), KString("Undo Paste"));
-        clipboard.undo();
+        EXPECT_EQ(history.undoTitle(&tape), KString("Undo Paste"));
+        EXPECT_FALSE(history.canRedo(&tape));
+        history.undo(tape);
         EXPECT_EQ(bytesOf(tape), whole);
         EXPECT_EQ(tape.getPosition(), 0);
-        clipboard.undo();
+        history.redo(tape);
         EXPECT_EQ(tape.getCount(), 5);
 
         // Clear leaves the clip alone; a range is taken in order.
-        clipboard.undo();
+        history.undo(tape);
         tape.setPositionQuietly(2);
         clipboard.clear();
         EXPECT_EQ(tape.getCount(), 3);
         EXPECT_EQ(clipboard.getClipTape().getAt(0)->getType(), PauseType);
-        clipboard.undo();
+        history.undo(tape);
         EXPECT_EQ(bytesOf(tape), whole);
         clipboard.copyRange(2, 0, false);
         EXPECT_EQ(clipboard.getClipTape().getCount(), 3);
         clipboard.cutRange(3, 1);
         EXPECT_EQ(tape.getCount(), 1);
-        clipboard.undo();
+        history.undo(tape);
         EXPECT_EQ(bytesOf(tape), whole);
+        EXPECT_EQ(history.undoCount(), 0u);
+        EXPECT_EQ(history.redoCount(), 1u);
 
         // A locked beginning stays.
         tape.setLockPosition(4);
@@ -121,6 +128,7 @@ TEST_F(StylusClipboardTest, TheEditMenuOffersTheElementsCommandsAndTheUndoStaysW
 {
     runApp({}, [&](TestApplication& app) {
         StylusClipboard& clipboard = *StylusClipboard::current();
+        UndoHistory& history = *UndoHistory::current();
         Tape& tape = fill(app);
         StylusMenuBar& bar = *StylusMenuBar::current();
         EditMenu& edit = bar.getEditMenu();
@@ -133,14 +141,34 @@ TEST_F(StylusClipboardTest, TheEditMenuOffersTheElementsCommandsAndTheUndoStaysW
         EXPECT_TRUE(edit.findItem(EditMenu::Paste)->isEnabled());
         EXPECT_TRUE(edit.findItem(EditMenu::Undo)->isEnabled());
         EXPECT_EQ(edit.findItem(EditMenu::Undo)->getTitle(), KString("Undo Cut"));
+        EXPECT_FALSE(edit.findItem(EditMenu::Redo)->isEnabled());
+        EXPECT_EQ(edit.findItem(EditMenu::Redo)->getTitle(), KString("Can't Redo"));
+
+        // Control+Z from the menu, Control+Shift+Z from the window.
+        layer.typeAccelerator(StylusWindow::current()->getNativeWindow(), 'Z');
+        EXPECT_EQ(tape.getCount(), 4);
+        bar.update();
+        EXPECT_EQ(edit.findItem(EditMenu::Redo)->getTitle(), KString("Redo Cut"));
+        KNativeRecord typed;
+        typed.window = StylusWindow::current();
+        typed.message = KNativeMessage::Char;
+        typed.param1 = 'Z';
+        typed.time = layer.now();
+        layer.setModifiers(2 | 1);
+        kksDeliverNativeRecord(typed);
+        layer.setModifiers(0);
+        EXPECT_EQ(tape.getCount(), 3);
 
         // Another tape shown: the undo is not its own.
         TapePtr other(new Tape());
         StylusWindow::current()->showTape(*other, nullptr);
-        EXPECT_FALSE(clipboard.canUndo());
-        EXPECT_EQ(clipboard.undoTitle(), KString("Can't Undo"));
+        EXPECT_FALSE(history.canUndo(other.get()));
+        EXPECT_EQ(history.undoTitle(other.get()), KString("Can't Undo"));
         StylusWindow::current()->showTape(tape, nullptr);
-        EXPECT_TRUE(clipboard.canUndo());
+        EXPECT_TRUE(history.canUndo(&tape));
+        // A change made outside any step leaves nothing to undo.
+        tape.removeRange(0, 0);
+        EXPECT_FALSE(history.canUndo(&tape));
         layer.answerMessageBox(KNativeAnswer::No);
     });
 }
