@@ -632,6 +632,10 @@ KEventReturn StylusApplication::doDeactivate(KApplicationEvent&)
         window->endOpenDrags();
         window->hideBrush();
     }
+    // The clipboard goes to the system as the user turns to another
+    // program: a copy still waiting is put there first.
+    if (clipboard && clipboard->isPublishing())
+        clipboard->publishNow();
     return 0;
 }
 
@@ -739,6 +743,8 @@ void StylusApplication::writeStateFile()
 
 void StylusApplication::doExit()
 {
+    if (clipboard && clipboard->isPublishing())
+        clipboard->publishNow();
     if (!PlayerMode::isOn())
         writePreferences();
     if (stateFile)

@@ -34,6 +34,10 @@ StylusClipboard::StylusClipboard()
 
 StylusClipboard::~StylusClipboard()
 {
+    if (publishTimer) {
+        publishTimer->stop();
+        publishTimer->setTarget(nullptr);
+    }
     if (gClipboard == this)
         gClipboard = nullptr;
 }
@@ -92,10 +96,31 @@ void StylusClipboard::copyRange(int32_t first, int32_t last, bool onlyStrokes)
     }
 }
 
-// The clip drawn on a white page of the shown tape's size, and the clip
-// as a project stream.
 void StylusClipboard::publish()
 {
+    if (!publishTimer) {
+        publishTimer = kAdopt(new KTimer());
+        publishTimer->setInterval(0);
+        publishTimer->setTarget(this);
+    }
+    publishTimer->stop();
+    publishTimer->start();
+}
+
+bool StylusClipboard::isPublishing() const { return publishTimer && publishTimer->isRunning(); }
+
+void StylusClipboard::timerFired(KTimer& timer)
+{
+    if (&timer == publishTimer.get())
+        publishNow();
+}
+
+// The clip drawn on a white page of the shown tape's size, and the clip
+// as a project stream.
+void StylusClipboard::publishNow()
+{
+    if (publishTimer)
+        publishTimer->stop();
     KClipboardManager* system = KClipboardManager::current();
     if (!system || clip->getCount() == 0)
         return;
@@ -123,6 +148,9 @@ void StylusClipboard::publish()
 
 bool StylusClipboard::takeFromSystem()
 {
+    // A clip copied a moment ago is newer than anything there.
+    if (isPublishing())
+        return false;
     KClipboardManager* system = KClipboardManager::current();
     std::vector<uint8_t> bytes;
     if (!system || !system->getData(kSystemFormat, bytes) || bytes.empty() || bytes.size() > kLargestClip

@@ -4,6 +4,7 @@
 #include "kernel/KThing.h"
 #include "kernel/KThingPtr.h"
 #include "tape/TapeForward.h"
+#include "windowing/KTimer.h"
 
 #include <cstdint>
 #include <vector>
@@ -44,8 +45,14 @@ public:
     static constexpr const char* kSystemFormat = "application/x-taleloom-elements";
     // Larger data on the system clipboard is no clip of ours.
     static constexpr size_t kLargestClip = size_t(64) << 20;
-    // Puts the clip on the system clipboard.
+    // Puts the clip on the system clipboard at the loop's next turn: the
+    // picture of a long clip takes longer to draw than the copy itself,
+    // and the command should not wait for it.
     void publish();
+    // Puts a clip still waiting on the system clipboard now.
+    void publishNow();
+    bool isPublishing() const;
+    void timerFired(KTimer& timer) override;
     // Takes elements another TaleLoom put on the system clipboard into the
     // clip; false when there are none, they are the clip's own, or the
     // data is damaged or newer (the clip then stays as it was).
@@ -60,4 +67,5 @@ private:
 
     std::vector<uint8_t> published;
     TapePtr clip;
+    KTimerPtr publishTimer;
 };

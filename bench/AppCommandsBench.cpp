@@ -31,6 +31,7 @@
 #include "app/StylusWindow.h"
 #include "app/ToolPalette.h"
 #include "app/actors/ActorLoading.h"
+#include "bench/BenchProgram.h"
 #include "bench/LatencyReport.h"
 #include "graphics/KImage.h"
 #include "project/StylusProject.h"
@@ -63,69 +64,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-
-double millisecondsSince(Clock::time_point start)
-{
-    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-// The program with its settings and story in a folder of its own.
-class BenchApplication : public StylusApplication {
-public:
-    std::function<void(BenchApplication&)> body;
-    void doInit() override
-    {
-        StylusApplication::doInit();
-        // The story on the command line opens from the first turns.
-        for (int i = 0; i < 3; ++i)
-            turn();
-        body(*this);
-        postQuit();
-    }
-    void scheduleStartupDialog() override { }
-    void turn() { doOneLoop(); }
-};
-
-struct Sandbox {
-    fs::path root = fs::temp_directory_path() / ("taleloom-bench-" + std::to_string(::getpid()));
-    Sandbox()
-    {
-        fs::create_directories(root / "home");
-        setenv("HOME", (root / "home").c_str(), 1);
-        setenv("XDG_CONFIG_HOME", (root / "config").c_str(), 1);
-        setenv("XDG_DATA_HOME", (root / "data").c_str(), 1);
-        fs::copy(fs::path(TALELOOM_SOURCE_DIR) / "data/samples/Sample", root / "Sample", fs::copy_options::recursive);
-    }
-    ~Sandbox()
-    {
-        std::error_code ignored;
-        fs::remove_all(root, ignored);
-    }
-    std::string story() const { return (root / "Sample" / "Sample.TPD").string(); }
-};
-
-void runProgram(KFakeNativeLayer& layer, const std::function<void(BenchApplication&)>& body)
-{
-    Sandbox sandbox;
-    kRegisterWindowingClasses();
-    KNativeLayer::install(&layer);
-    knsEnterKernel();
-    kServices() = KServices();
-    kInstallWindowingServices();
-    kksResetTranslator();
-    KTimerManager::destroy();
-    std::string story = sandbox.story();
-    const char* argv[] = { "taleloom", story.c_str() };
-    KPtr<BenchApplication> application(new BenchApplication());
-    application->body = body;
-    application->setAppFlags(KApplication::NeverBlock);
-    application->run("StylusWindow", 2, argv);
-    KTimerManager::destroy();
-    kServices() = KServices();
-    kksResetTranslator();
-    KNativeLayer::install(nullptr);
-}
+using namespace benchprogram;
 
 // A deep copy of the tape, drawing into an image page and told nothing:
 // the bare cost of a step.

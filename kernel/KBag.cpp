@@ -180,6 +180,66 @@ void KBag::removeAt(int32_t pos)
     shrinkIfSparse();
 }
 
+bool KBag::insertAllAt(KThing* const* objects, int32_t count, int32_t pos)
+{
+    if (pos < 0 || pos > usedSize || count < 0) {
+        KErrorHandler::raiseError(KError::IndexOutOfRange);
+        return false;
+    }
+    int32_t accepted = 0;
+    for (int32_t i = 0; i < count; ++i)
+        accepted += objects[i] && acceptsObject(*objects[i]) ? 1 : 0;
+    if (accepted == 0)
+        return true;
+    int64_t needed = int64_t(usedSize) + accepted;
+    if (needed > INT32_MAX)
+        return false;
+    // The capacity the objects added one by one would have grown to.
+    if (getCapacity() < needed) {
+        int64_t step = std::max(growSize, 1);
+        int64_t grown = int64_t(getCapacity()) + (needed - getCapacity() + step - 1) / step * step;
+        setSize(int32_t(std::min<int64_t>(grown, INT32_MAX)));
+    }
+    if (getCapacity() < needed)
+        return false;
+    if (pos < usedSize)
+        move(pos, pos + accepted, usedSize - pos);
+    for (int32_t i = 0; i < accepted; ++i)
+        zeroSlot(pos + i);
+    int32_t slot = pos;
+    for (int32_t i = 0; i < count; ++i) {
+        if (objects[i] && acceptsObject(*objects[i]))
+            putAt(*objects[i], slot++);
+    }
+    usedSize += accepted;
+    return true;
+}
+
+void KBag::removeSlots(int32_t first, int32_t count)
+{
+    if (first < 0 || count < 0 || int64_t(first) + count > usedSize) {
+        KErrorHandler::raiseError(KError::IndexOutOfRange);
+        return;
+    }
+    if (count == 0)
+        return;
+    for (int32_t pos = first; pos < first + count; ++pos)
+        resetAt(pos);
+    int32_t tail = usedSize - first - count;
+    if (tail > 0)
+        move(first + count, first, tail);
+    for (int32_t pos = usedSize - count; pos < usedSize; ++pos)
+        zeroSlot(pos);
+    usedSize -= count;
+    // As far as the slots removed one by one would have shrunk it.
+    for (int32_t i = 0; i < count; ++i) {
+        int32_t capacity = getCapacity();
+        shrinkIfSparse();
+        if (getCapacity() == capacity)
+            break;
+    }
+}
+
 void KBag::shrinkIfSparse()
 {
     int32_t smaller = getCapacity() - growSize;

@@ -43,6 +43,11 @@ public:
     void insertAt(const KThingPtr& ptr, int32_t pos);
     void insertDirectDataAt(int32_t value, int32_t pos);
     void removeAt(int32_t pos);
+    // Many objects at once, the tail moved once: `count` objects from
+    // `objects` go in at `pos` (those the bag refuses are left out), and
+    // `count` slots from `first` go. False when the bag could not grow.
+    bool insertAllAt(KThing* const* objects, int32_t count, int32_t pos);
+    void removeSlots(int32_t first, int32_t count);
     // Removes the first slot holding `obj`; nothing when none does.
     void removeObject(const KThing& obj);
     void removeObject(const KThingPtr& ptr);

@@ -246,8 +246,7 @@ std::vector<TapeObjectPtr> Tape::takeElements(int32_t first, int32_t count)
     taken.reserve(size_t(count));
     for (int32_t index = first; index < first + count; ++index)
         taken.emplace_back(getAt(index));
-    for (int32_t index = first + count - 1; index >= first; --index)
-        removeAt(index);
+    removeSlots(first, count);
     for (TapeObjectPtr& element : taken) {
         if (element)
             release(*element);
@@ -261,14 +260,19 @@ void Tape::insertElements(int32_t at, const std::vector<TapeObjectPtr>& elements
     if (elements.empty())
         return;
     at = std::clamp(at, 0, getCount());
-    int32_t index = at;
+    std::vector<KThing*> objects;
+    objects.reserve(elements.size());
     for (const TapeObjectPtr& element : elements) {
-        if (!element)
-            continue;
-        insertAt(*element, index++);
-        element->setTape(*this);
+        if (element)
+            objects.push_back(element.get());
     }
-    changedFrom(at, index);
+    int32_t before = getCount();
+    if (!insertAllAt(objects.data(), int32_t(objects.size()), at))
+        return;
+    int32_t end = at + (getCount() - before);
+    for (int32_t index = at; index < end; ++index)
+        getAt(index)->setTape(*this);
+    changedFrom(at, end);
 }
 
 void Tape::replaceElement(int32_t index, TapeObject& element)

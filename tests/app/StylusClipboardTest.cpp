@@ -182,6 +182,11 @@ TEST_F(StylusClipboardTest, ElementsTravelBetweenTwoTaleLoomsThroughTheSystemCli
         StylusClipboard& clipboard = *StylusClipboard::current();
         Tape& tape = fill(app);
         clipboard.copy();
+        // The system clipboard is filled at the loop's next turn, or at
+        // once when the user turns to another program.
+        EXPECT_FALSE(layer.clipboard().hasImage);
+        EXPECT_FALSE(clipboard.takeFromSystem()) << "a copy waiting is newer than the system's";
+        app.turn();
         const KNativeClipboardContent& published = layer.clipboard();
         EXPECT_TRUE(published.hasImage);
         EXPECT_EQ(published.image.width, tape.getPageSize().width);

@@ -250,6 +250,50 @@ TEST(KBag, InsertAtAcceptsPositionsUpToTheUsedCount)
     EXPECT_EQ(direct.getSize(), 3);
 }
 
+// Many at once leave the bag as the same objects one by one would: the
+// order, the capacity (which documents write) and the references.
+TEST(KBag, InsertingAndRemovingManyAtOnceMatchesOneByOne)
+{
+    std::mt19937 random(5);
+    for (int round = 0; round < 40; ++round) {
+        int32_t grow = int32_t(1 + random() % 7);
+        int32_t least = int32_t(random() % 3);
+        KBag many;
+        KBag single;
+        for (KBag* bag : { &many, &single }) {
+            bag->setGrowSize(grow);
+            bag->setMinSize(least);
+        }
+        std::vector<KThingPtr> kept;
+        for (int step = 0; step < 12; ++step) {
+            if (random() % 3 != 0 || many.getSize() == 0) {
+                int32_t count = int32_t(random() % 9);
+                int32_t at = int32_t(random() % uint32_t(many.getSize() + 1));
+                std::vector<KThing*> objects;
+                for (int32_t i = 0; i < count; ++i) {
+                    kept.emplace_back(new Number(int32_t(random() % 100)));
+                    objects.push_back(kept.back().get());
+                }
+                ASSERT_TRUE(many.insertAllAt(objects.data(), count, at));
+                for (int32_t i = 0; i < count; ++i)
+                    single.insertAt(*objects[size_t(i)], at + i);
+            } else {
+                int32_t first = int32_t(random() % uint32_t(many.getSize()));
+                int32_t count = int32_t(random() % uint32_t(many.getSize() - first + 1));
+                many.removeSlots(first, count);
+                for (int32_t i = 0; i < count; ++i)
+                    single.removeAt(first);
+            }
+            ASSERT_EQ(valuesOf(many), valuesOf(single));
+            ASSERT_EQ(many.getCapacity(), single.getCapacity()) << "round " << round << " step " << step;
+        }
+        many.clear();
+        single.clear();
+        for (const KThingPtr& object : kept)
+            EXPECT_EQ(object.get()->getReferenceCount(), 2) << "only this test's own reference is left";
+    }
+}
+
 TEST(KBag, CopiesCarryTheBagSettings)
 {
     KBagPtr source = kAdopt(new KBag());
