@@ -139,14 +139,7 @@ void BM_MenuOpen(benchmark::State& state)
 // A story of `count` short strokes, shown by the main window at its end.
 TapePtr strokeStory(int32_t count, StylusWindow& window)
 {
-    TapePtr story = kAdopt(new Tape());
-    story->setPageSize(KGraphicSize(800, 600));
-    for (int32_t i = 0; i < count; ++i) {
-        StrokePtr stroke(new Stroke());
-        stroke->addPoint(int16_t(20 + i % 700), int16_t(20 + i % 500));
-        stroke->addPoint(int16_t(30 + i % 700), int16_t(30 + i % 500));
-        story->add(*stroke);
-    }
+    TapePtr story = strokeTape(count);
     story->setPositionQuietly(count);
     window.showTape(*story, nullptr);
     return story;

@@ -4,6 +4,8 @@
 // story in a folder of its own, for the benchmarks of its commands.
 
 #include "app/StylusApplication.h"
+#include "tape/Stroke.h"
+#include "tape/Tape.h"
 #include "windowing/KEventTranslator.h"
 #include "windowing/KNativeLayer.h"
 #include "windowing/KServices.h"
@@ -86,6 +88,21 @@ inline void runProgram(KFakeNativeLayer& layer, const std::function<void(BenchAp
     kServices() = KServices();
     kksResetTranslator();
     KNativeLayer::install(nullptr);
+}
+
+// A story of `count` short strokes of two points each, on an 800 by 600
+// page, its position at the start.
+inline TapePtr strokeTape(int32_t count)
+{
+    TapePtr story = kAdopt(new Tape());
+    story->setPageSize(KGraphicSize(800, 600));
+    for (int32_t i = 0; i < count; ++i) {
+        StrokePtr stroke(new Stroke());
+        stroke->addPoint(int16_t(20 + i % 700), int16_t(20 + i % 500));
+        stroke->addPoint(int16_t(30 + i % 700), int16_t(30 + i % 500));
+        story->add(*stroke);
+    }
+    return story;
 }
 
 } // namespace benchprogram

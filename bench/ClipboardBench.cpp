@@ -31,20 +31,6 @@ constexpr int32_t kStoryLength = 10000;
 constexpr int32_t kClipLength = 1000;
 constexpr int32_t kPastePosition = 5000;
 
-TapePtr strokeStory(int32_t count)
-{
-    TapePtr story = kAdopt(new Tape());
-    story->setPageSize(KGraphicSize(800, 600));
-    for (int32_t i = 0; i < count; ++i) {
-        StrokePtr stroke(new Stroke());
-        stroke->addPoint(int16_t(20 + i % 700), int16_t(20 + i % 500));
-        stroke->addPoint(int16_t(30 + i % 700), int16_t(30 + i % 500));
-        stroke->addPoint(int16_t(45 + i % 700), int16_t(25 + i % 500));
-        story->add(*stroke);
-    }
-    return story;
-}
-
 // The deep copy of the clip's elements plus one rebuild at the tape's
 // position, the page cache dropped from where the command changed it.
 double boundMs(Tape& story, Tape& clip, int32_t changedFrom)
@@ -67,7 +53,7 @@ struct Figures {
 
 Figures pasteAndUndo(StylusWindow& window)
 {
-    TapePtr story = strokeStory(kStoryLength);
+    TapePtr story = strokeTape(kStoryLength);
     story->setPositionQuietly(kPastePosition);
     window.showTape(*story, nullptr);
     StylusClipboard& clipboard = *StylusClipboard::current();
@@ -128,7 +114,7 @@ void BM_CopyRange(benchmark::State& state)
     double copyMs = 1e9;
     double boundMs = 1e9;
     runProgram(layer, [&](BenchApplication&) {
-        TapePtr story = strokeStory(5000);
+        TapePtr story = strokeTape(5000);
         story->setPositionQuietly(5000);
         StylusWindow::current()->showTape(*story, nullptr);
         StylusClipboard& clipboard = *StylusClipboard::current();
