@@ -639,6 +639,13 @@ KEventReturn StylusApplication::doDeactivate(KApplicationEvent&)
     return 0;
 }
 
+KEventReturn StylusApplication::doClipboardChanged(KApplicationEvent&)
+{
+    if (menuBar)
+        menuBar->update();
+    return 0;
+}
+
 KEventReturn StylusApplication::doHelp(KMenuEvent& event)
 {
     if (event.getItemId() == KMenuBar::KeyboardSummary && menuBar) {

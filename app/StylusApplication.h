@@ -54,6 +54,8 @@ public:
     KEventReturn doPrintPage(KGraphicDevice& device, const KGraphicRectangle& printable, int32_t page) override;
     KEventReturn doQuit(KApplicationEvent& event) override;
     KEventReturn doDeactivate(KApplicationEvent& event) override;
+    // Another program copied something: Paste may have become possible.
+    KEventReturn doClipboardChanged(KApplicationEvent& event) override;
     KEventReturn doHelp(KMenuEvent& event) override;
     KEventReturn doAbout(KMenuEvent& event) override;
     int32_t fatalError(const char* title, const char* text) override;

@@ -1,5 +1,7 @@
 #include "app/StylusClipboard.h"
 
+#include "app/ForeignPaste.h"
+
 #include "app/StylusMenuBar.h"
 #include "app/StylusWindow.h"
 #include "app/UiText.h"
@@ -78,7 +80,44 @@ bool StylusClipboard::canCopy() const
     return tape && tape->getPosition() > 0 && !(window && window->isEditing());
 }
 
-bool StylusClipboard::canPaste() const { return shownTape() && clip->getCount() > 0; }
+bool StylusClipboard::canPaste() const
+{
+    return shownTape() && (clip->getCount() > 0 || (!isPublishing() && ForeignPaste::isOffered()));
+}
+
+// A picture or files another program copied since the last copy here:
+// not when the clipboard holds elements, ours or another TaleLoom's.
+bool StylusClipboard::pasteFromOtherPrograms(Tape& tape)
+{
+    KClipboardManager* system = KClipboardManager::current();
+    if (!system || isPublishing() || system->hasData(kSystemFormat))
+        return false;
+    std::vector<KString> leftOut;
+    std::vector<TapeObjectPtr> made = ForeignPaste::makeElements(tape, leftOut);
+    if (!leftOut.empty()) {
+        KString names;
+        for (const KString& name : leftOut)
+            names += (names.isEmpty() ? KString() : KString(", ")) + name;
+        TapeHost::get().alert(uiText("Paste"), uiText("These files cannot be pasted into a story: %1", names));
+    }
+    if (made.empty())
+        return !leftOut.empty();
+    insertPasted(tape, made);
+    return true;
+}
+
+// The elements go in at the position together, with one invalidation, as
+// one step of the undo history; the position follows them.
+void StylusClipboard::insertPasted(Tape& tape, const std::vector<TapeObjectPtr>& elements)
+{
+    int32_t at = std::clamp(tape.getPosition(), 0, tape.getCount());
+    {
+        UndoStep step(&tape, UndoHistory::Name::Paste);
+        tape.insertElements(at, elements);
+        tape.setPositionQuietly(at + int32_t(elements.size()));
+    }
+    redrawFrom(tape);
+}
 
 void StylusClipboard::copy()
 {
@@ -230,12 +269,15 @@ void StylusClipboard::paste()
     Tape* tape = shownTape();
     if (!tape)
         return;
-    // Elements another TaleLoom copied since come first.
-    takeFromSystem();
-    if (clip->getCount() == 0)
-        return;
     if (StylusWindow* window = StylusWindow::current())
         window->stopEditing();
+    // What other programs copied since comes first: elements another
+    // TaleLoom copied, or a picture or files.
+    takeFromSystem();
+    if (tape->getFrameKind() == Tape::Story && pasteFromOtherPrograms(*tape))
+        return;
+    if (clip->getCount() == 0)
+        return;
     bool frame = tape->getFrameKind() == Tape::ActorFrame;
     std::vector<TapeObjectPtr> copies;
     for (int32_t i = 0; i < clip->getCount(); ++i) {
@@ -250,13 +292,7 @@ void StylusClipboard::paste()
     }
     if (frame && int32_t(copies.size()) < clip->getCount())
         TapeHost::get().alert(uiText("TaleLoom"), uiText("Only for stories, not for Actors!"));
-    int32_t at = std::clamp(tape->getPosition(), 0, tape->getCount());
-    {
-        UndoStep step(tape, UndoHistory::Name::Paste);
-        tape->insertElements(at, copies);
-        tape->setPositionQuietly(at + int32_t(copies.size()));
-    }
-    redrawFrom(*tape);
+    insertPasted(*tape, copies);
 }
 
 void StylusClipboard::redrawFrom(Tape& tape)

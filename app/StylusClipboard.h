@@ -4,6 +4,7 @@
 #include "kernel/KThing.h"
 #include "kernel/KThingPtr.h"
 #include "tape/TapeForward.h"
+#include "tape/TapeObject.h"
 #include "windowing/KTimer.h"
 
 #include <cstdint>
@@ -34,6 +35,8 @@ public:
     void clearRange(int32_t first, int32_t last);
     // Copies of the clip go in at the position, in one step. An actor's
     // frame takes strokes only and says so when something was left out.
+    // A picture or files copied in another program since are pasted
+    // instead, as new elements.
     void paste();
 
     bool canCopy() const;
@@ -63,6 +66,8 @@ private:
     static TapeObjectPtr copyOf(TapeObject& element);
     void fill(Tape& target, Tape& source, int32_t first, int32_t last, bool onlyStrokes);
     void takeOut(Tape& tape, int32_t first, int32_t last, bool keepInClip);
+    bool pasteFromOtherPrograms(Tape& tape);
+    void insertPasted(Tape& tape, const std::vector<TapeObjectPtr>& elements);
     void redrawFrom(Tape& tape);
 
     std::vector<uint8_t> published;

@@ -5,19 +5,25 @@
 #include "AppTestSupport.h"
 
 #include "app/EditMenu.h"
+#include "app/ForeignPaste.h"
 #include "app/StylusClipboard.h"
 #include "app/StylusMenuBar.h"
 #include "app/StylusWindow.h"
 #include "app/UndoHistory.h"
+#include "graphics/KImage.h"
 #include "kernel/KFile.h"
+#include "kernel/KPath.h"
 #include "project/StylusProject.h"
 #include "tape/Stroke.h"
+#include "tape/StylusImage.h"
 #include "tape/StylusPause.h"
 #include "tape/Tape.h"
 #include "tests/graphics/StreamTestSupport.h"
 #include "windowing/KEventTranslator.h"
 
 #include <gtest/gtest.h>
+
+#include <cstdio>
 
 using namespace apptest;
 
@@ -225,6 +231,82 @@ TEST_F(StylusClipboardTest, ElementsTravelBetweenTwoTaleLoomsThroughTheSystemCli
         EXPECT_EQ(clipboard.getClipTape().getCount(), 2);
         layer.answerMessageBox(KNativeAnswer::No);
     });
+}
+
+// A picture copied in a browser, and files copied in a file manager,
+// paste as new elements in one step; files of other kinds are named.
+TEST_F(StylusClipboardTest, PicturesAndFilesFromOtherProgramsPasteAsElements)
+{
+    runApp({}, [&](TestApplication& app) {
+        StylusClipboard& clipboard = *StylusClipboard::current();
+        UndoHistory& history = *UndoHistory::current();
+        Tape& tape = fill(app);
+        StylusMenuBar& bar = *StylusMenuBar::current();
+        bar.update();
+        EXPECT_FALSE(bar.getEditMenu().findItem(EditMenu::Paste)->isEnabled());
+
+        KNativeClipboardContent outside;
+        outside.hasImage = true;
+        outside.image.width = 40;
+        outside.image.height = 30;
+        outside.image.pixels.assign(40 * 30, 0x00FF0000);
+        layer.setClipboardFromOutside(outside);
+        bar.update();
+        EXPECT_TRUE(bar.getEditMenu().findItem(EditMenu::Paste)->isEnabled()) << "a picture is there to paste";
+        tape.setPositionQuietly(1);
+        clipboard.paste();
+        ASSERT_EQ(tape.getCount(), 5);
+        auto* image = dynamic_cast<StylusImage*>(tape.getAt(1));
+        ASSERT_NE(image, nullptr);
+        EXPECT_EQ(tape.getPosition(), 2);
+        // At its own size in the middle of the page, its file a PNG.
+        KGraphicSize page = tape.getPageSize();
+        EXPECT_EQ(image->getBounds(),
+                  KGraphicRectangle(int16_t((page.width - 40) / 2), int16_t((page.height - 30) / 2), 40, 30));
+        KImage written;
+        ASSERT_TRUE(written.createFromPath(image->getImageFile().getPath().getNativeText()));
+        EXPECT_EQ(written.getBounds().width, 40);
+        EXPECT_EQ(written.getDevice().getPixel(5, 5).getRed() >> 8, 0xFF);
+        EXPECT_EQ(history.undoTitle(&tape), KString("Undo Paste"));
+        history.undo(tape);
+        EXPECT_EQ(tape.getCount(), 4);
+
+        // Two files: a picture, and a text no story can hold.
+        std::string folder = freshFolder("copied");
+        std::string picture = folder + "/My Cat.png";
+        KImage cat(KGraphicSize(20, 10));
+        ASSERT_TRUE(cat.writeToFile(KFileReference(KPath(KString(picture.c_str()), KPath::kHostPlatform))));
+        std::string note = folder + "/note.txt";
+        std::fclose(std::fopen(note.c_str(), "w"));
+        std::string list = "# copied\r\nfile://" + folder + "/My%20Cat.png\r\nfile://" + folder + "/note.txt\r\n";
+        KNativeClipboardContent files;
+        files.formats.emplace_back(ForeignPaste::kUriListFormat, std::vector<uint8_t>(list.begin(), list.end()));
+        layer.setClipboardFromOutside(files);
+        tape.setPositionQuietly(4);
+        clipboard.paste();
+        ASSERT_EQ(tape.getCount(), 5);
+        ASSERT_NE(dynamic_cast<StylusImage*>(tape.getAt(4)), nullptr);
+        std::vector<std::string> alerts = alertTexts();
+        ASSERT_FALSE(alerts.empty());
+        EXPECT_NE(alerts.back().find("note.txt"), std::string::npos);
+
+        // Elements copied here come before whatever is on the system side.
+        clipboard.copy();
+        app.turn();
+        tape.setPositionQuietly(0);
+        clipboard.paste();
+        EXPECT_EQ(tape.getAt(0)->getType(), ImageType);
+        EXPECT_EQ(tape.getCount(), 6);
+        layer.answerMessageBox(KNativeAnswer::No);
+    });
+}
+
+TEST(ForeignPasteUris, OnlyLocalFilesAreTaken)
+{
+    std::string list = "file:///home/a/b%C3%A9.png\nhttp://x/y.png\n# note\nfile://localhost/tmp/c%2\n"
+                       "file://other/tmp/d.png\nfile:///e%00f\n";
+    std::vector<std::string> paths = ForeignPaste::pathsOfUriList(std::vector<uint8_t>(list.begin(), list.end()));
+    EXPECT_EQ(paths, (std::vector<std::string> { "/home/a/b\xC3\xA9.png", "/tmp/c%2" }));
 }
 
 } // namespace
