@@ -641,6 +641,8 @@ KEventReturn StylusApplication::doDeactivate(KApplicationEvent&)
 
 KEventReturn StylusApplication::doClipboardChanged(KApplicationEvent&)
 {
+    if (clipboard)
+        clipboard->systemClipboardChanged();
     if (menuBar)
         menuBar->update();
     return 0;

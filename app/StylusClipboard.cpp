@@ -82,7 +82,15 @@ bool StylusClipboard::canCopy() const
 
 bool StylusClipboard::canPaste() const
 {
-    return shownTape() && (clip->getCount() > 0 || (!isPublishing() && ForeignPaste::isOffered()));
+    if (!shownTape())
+        return false;
+    if (clip->getCount() > 0)
+        return true;
+    if (isPublishing())
+        return false;
+    if (offered < 0)
+        offered = ForeignPaste::isOffered() ? 1 : 0;
+    return offered == 1;
 }
 
 // A picture or files another program copied since the last copy here:

@@ -41,6 +41,9 @@ public:
 
     bool canCopy() const;
     bool canPaste() const;
+    // The system clipboard changed hands: whether it offers a picture or
+    // files is asked again, once, when the menus want to know.
+    void systemClipboardChanged() { offered = -1; }
     Tape& getClipTape() const { return *clip; }
 
     // The private format on the system clipboard: the clip as a project
@@ -73,4 +76,7 @@ private:
     std::vector<uint8_t> published;
     TapePtr clip;
     KTimerPtr publishTimer;
+    // Asking the clipboard's owner can take as long as the owner likes;
+    // the answer holds until the clipboard changes. -1 is not asked yet.
+    mutable int8_t offered = -1;
 };

@@ -252,6 +252,13 @@ TEST_F(StylusClipboardTest, PicturesAndFilesFromOtherProgramsPasteAsElements)
         outside.image.pixels.assign(40 * 30, 0x00FF0000);
         layer.setClipboardFromOutside(outside);
         bar.update();
+        EXPECT_FALSE(bar.getEditMenu().findItem(EditMenu::Paste)->isEnabled()) << "the menus keep their answer";
+        // The desktop tells of the new owner; the menus ask again.
+        KNativeRecord changed;
+        changed.message = KNativeMessage::ClipboardUpdate;
+        changed.time = layer.now();
+        kksDeliverNativeRecord(changed);
+        app.turn();
         EXPECT_TRUE(bar.getEditMenu().findItem(EditMenu::Paste)->isEnabled()) << "a picture is there to paste";
         tape.setPositionQuietly(1);
         clipboard.paste();
